@@ -1,0 +1,45 @@
+#pragma once
+
+// Size of the window in pixels; written by the reshape callback, read for the
+// aspect ratio of the view.
+extern int width;
+extern int height;
+
+// One viewpoint of the scene as a look-at transform, world units. The perspective
+// (35 degrees of vertical field, planes at 0.1 and 600) and the view both go onto
+// the projection matrix, so the modelview matrix holds model placement only.
+class Camera {
+public:
+    // Copies the arrays of 3 floats that are not null.
+    void update(const float *newEye, const float *newCenter, const float *newUp);
+
+    // Shifts eye and centre by `delta` (3 floats). The first argument is not read.
+    void move(const float *position, const float *delta);
+
+    // 0.9 or 1.1 (exactly): one step in or out along the line to the centre, unless
+    // the squared distance has left (0.277, 500). The commands 0, 0.5 and 1.5 go to
+    // the nearest, a middle and the farthest distance. Any other factor: nothing.
+    void zoom(float factor);
+
+    // Turns the eye about the centre, radians: `yaw` about the vertical line, then
+    // `pitch` about the world's x axis, which never takes the eye below y = 0.1.
+    void rotate(float yaw, float pitch);
+
+    // Loads perspective and view into the projection matrix and selects the
+    // modelview matrix, which is not touched.
+    void setup() const;
+
+    // The same into whichever matrix is current; the matrix mode stays.
+    void setupShadow() const;
+
+    float eye[3] = {0, 1.8F, 4.8F};
+    float center[3] = {0, 1.5F, 0};
+    float up[3] = {0, 1, 0};
+
+private:
+    void zoomSteps(float factor, int steps);
+};
+
+// The one perspective of the game, for a window of w x h pixels; a height of 0
+// counts as 1. Multiplied onto the current matrix.
+void applyPerspective(int w, int h);

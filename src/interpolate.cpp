@@ -1,0 +1,99 @@
+#include "interpolate.h"
+
+#include <cstring>
+
+namespace {
+
+// Keeps the blend below 1 and its divisor above 0 where two keys share a frame.
+constexpr float SPAN_GUARD = 0.0001F;
+
+float signedFrame(const KeyFrame &key) {
+    return static_cast<float>(static_cast<int>(key.frame));
+}
+
+}  // namespace
+
+Interpolate::Interpolate(const char *filename_, bool loop_) : loop(loop_), filename(filename_) {
+    open();
+}
+
+void Interpolate::open() {
+    file.reset();
+    file.reset(fopen(filename, "r"));
+    key_index = 0;
+    frame = 0;
+    if (!file) {
+        puts("Error Opening File");
+        return;
+    }
+    (void)fscanf(file.get(), "#total_keys = %d\n", &total_keys);
+    read(current);
+    read(next);
+}
+
+void Interpolate::reset() {
+    open();
+}
+
+bool Interpolate::keysLeft() const {
+    return key_index < static_cast<unsigned>(total_keys);
+}
+
+void Interpolate::readKey(KeyFrame &key) {
+    for (float &value : key.pose) {
+        if (fscanf(file.get(), "%f", &value) != 1) {
+            return;
+        }
+    }
+    (void)fscanf(file.get(), "%u\n", &key.frame);
+}
+
+bool Interpolate::read(KeyFrame &key) {
+    if (!file || !keysLeft()) {
+        return false;
+    }
+    readKey(key);
+    return true;
+}
+
+void Interpolate::changeKey() {
+    current = next;
+    read(next);
+    ++key_index;
+}
+
+bool Interpolate::step(Params &out) {
+    if (!file) {
+        return true;
+    }
+    const auto f = static_cast<float>(frame);
+    const float a = signedFrame(current);
+    const float b = signedFrame(next);
+    const float t = (f - a) / ((b - a) + SPAN_GUARD);
+    if (b > a + (b - a) * t) {
+        float pose[POSE_VALUES];
+        for (int i = 0; i < POSE_VALUES; ++i) {
+            pose[i] = current.pose[i] + (next.pose[i] - current.pose[i]) * t;
+        }
+        memcpy(&out, pose, sizeof out);
+        ++frame;
+        return false;
+    }
+    changeKey();
+    if (keysLeft()) {
+        return false;
+    }
+    if (loop) {
+        open();
+    }
+    return true;
+}
+
+int Interpolate::advance() {
+    changeKey();
+    if (!keysLeft()) {
+        open();
+    }
+    frame = key_index;
+    return 1;
+}
