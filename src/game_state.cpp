@@ -1,0 +1,53 @@
+#include "game_state.h"
+
+constinit int status = TITLE;
+constinit int Menu = NO_OVERLAY;
+
+constinit int option = 0;
+constinit bool selectOption = false;
+constinit bool Rotating = false;
+constinit float rotHor = 0;
+constinit float hor = 0;
+constinit float Zval = 0;
+constinit float Zstep = 0;
+
+constinit int TalkMenu = 0;
+constinit bool IsTalkBool = false;
+constinit int TalkTimer = 0;
+
+constinit int Fight_status = ATTACK;
+constinit int Battle_Turn = PLAYER_CHOOSES;
+constinit int BATTLE_MESSAGE = NO_MESSAGE;
+constinit int BattleMessageTimer = 0;
+constinit int PlayerTimer = 0;
+constinit char HIT[3] = {};
+constinit char HEALTH[4] = {};
+constinit int health = 100;
+constinit int ENEMY_Health = 100;
+constinit int special = 100;
+constinit int ENTERPRESS = NO_MOVE;
+constinit int ENTERPRESS_ENEMY = NO_MOVE;
+
+constinit float position[3] = {};
+constinit float positionold[3] = {};
+constinit float objrot = 0;
+constinit float objrotold = 0;
+constinit float vect[3] = {};
+constinit float camrot[3] = {};
+constinit int zoom = 0;
+constinit float zoom_in = 0.9F;
+constinit float zoom_out = 1.1F;
+constinit int action = STANDING;
+
+constinit Params marked_params = {};
+constinit Params enemy_params = {};
+constinit float matrix[4][4] = {};
+
+constinit float sun_ambient[4] = {0.2F, 0.2F, 0.2F, 1};
+constinit float sun_diffuse[4] = {0.6F, 0.6F, 0.7F, 1};
+constinit float sun_specular[4] = {1, 1, 1, 1};
+constinit float sun_position[4] = {-45, 40, 40, 1};
+constinit float fill_ambient[4] = {0, 0, 0, 1};
+constinit float fill_diffuse[4] = {0.1F, 0.1F, 0, 1};
+constinit float fill_specular[4] = {1, 1, 1, 1};
+constinit float fill_position[4] = {50, 4, -15, 1};
