@@ -1,0 +1,12 @@
+#pragma once
+
+#include "fireworks.h"
+
+// How a fountain is drawn: Fireworks::draw or Fireworks::draw_no_update.
+using Fountain_Draw = void (Fireworks::*)();
+
+// Draws both fountains as two crossed planes of flames that turn with the player's
+// heading, 1.4 units above the origin of the current modelview frame, which is
+// kept. Loads the camera's view into the projection matrix again; leaves the fire
+// texture bound and the blend function additive.
+void drawFire(float scale, Fountain_Draw draw);
