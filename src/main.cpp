@@ -1,0 +1,73 @@
+#include "main.h"
+
+#include <GL/glut.h>
+
+#include <cstring>
+
+#include "assets.h"
+#include "camera.h"
+#include "game_objects.h"
+#include "game_state.h"
+#include "input.h"
+#include "rendering.h"
+#include "scene_collision.h"
+#include "update.h"
+
+void myReshape(int w, int h) {
+    glViewport(0, 0, w, h);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    applyPerspective(w, h);
+    glMatrixMode(GL_MODELVIEW);
+    width = w;
+    height = h;
+    glLoadIdentity();
+}
+
+void init() {
+    loadTextures();
+    // Draws the fires' sizes from the random stream, after the fountains.
+    setupCollision();
+    loadModels();
+
+    glClearColor(0, 0, 0, 0);
+    glShadeModel(GL_SMOOTH);
+    glEnable(GL_LIGHTING);
+    // Given while the modelview matrix is the identity: the lights stay in the world.
+    glLightfv(GL_LIGHT0, GL_AMBIENT, sun_ambient);
+    glLightfv(GL_LIGHT0, GL_DIFFUSE, sun_diffuse);
+    glLightfv(GL_LIGHT0, GL_SPECULAR, sun_specular);
+    glLightfv(GL_LIGHT0, GL_POSITION, sun_position);
+    glEnable(GL_LIGHT0);
+    glLightfv(GL_LIGHT1, GL_AMBIENT, fill_ambient);
+    glLightfv(GL_LIGHT1, GL_DIFFUSE, fill_diffuse);
+    glLightfv(GL_LIGHT1, GL_SPECULAR, fill_specular);
+    glLightfv(GL_LIGHT1, GL_POSITION, fill_position);
+    glEnable(GL_LIGHT1);
+    glEnable(GL_DEPTH_TEST);
+    glEnable(GL_COLOR_MATERIAL);
+    glEnable(GL_NORMALIZE);
+
+    memcpy(HEALTH, "100", sizeof HEALTH);
+    initCollforBackground();
+    glMatrixMode(GL_MODELVIEW);
+}
+
+int main(int argc, char **argv) {
+    createPlayers();
+    glutInit(&argc, argv);
+    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
+    glutInitWindowSize(1280, 1024);
+    glutCreateWindow("Talvery");
+    glutReshapeFunc(myReshape);
+    glutDisplayFunc(displayCallback);
+    glutFullScreen();
+    glutKeyboardFunc(keyCallback);
+    glutKeyboardUpFunc(keyUpCallback);
+    glutMouseFunc(mouseCallback);
+    glutPassiveMotionFunc(motionCallback);
+    glutIdleFunc(idleCallback);
+    init();
+    glutMainLoop();
+    return 0;
+}
