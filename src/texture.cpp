@@ -38,7 +38,7 @@ struct Image {
 // Little-endian; the bytes that a short file lacks read as 0.
 std::uint32_t readNumber(FILE *file, int bytes) {
     unsigned char raw[4] = {};
-    (void)!fread(raw, 1, static_cast<std::size_t>(bytes), file);
+    (void)fread(raw, 1, static_cast<std::size_t>(bytes), file);
     return raw[0] | raw[1] << 8U | raw[2] << 16U | static_cast<std::uint32_t>(raw[3]) << 24U;
 }
 

@@ -1,0 +1,54 @@
+# Sourced by ./play and ./check: installs what is missing and builds. Needs $root, the
+# folder of the repository. Every function ends the script on failure.
+
+say() {
+    printf '== %s\n' "$*"
+}
+
+fail() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+packages() {
+    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packages.txt"
+}
+
+is_installed() {
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+install_missing() {
+    command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
+        fail "this is no Debian machine; install the like of these and use cmake:" $(packages)
+    local missing=() package
+    for package in $(packages); do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    local install=(apt-get install --yes --no-install-recommends "${missing[@]}") as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null ||
+            fail "packages are missing; as root, run: apt-get update && ${install[*]}"
+        as_root=(sudo)
+    fi
+    say "installing ${missing[*]}"
+    "${as_root[@]}" apt-get update --quiet || fail "apt-get update failed, see above"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive "${install[@]}" ||
+        fail "could not install ${missing[*]}, see above"
+}
+
+# build PRESET [OPTION...]: configures and builds into build/PRESET.
+build() {
+    local preset=$1
+    shift
+    say "building ($preset)"
+    (cd "$root" && cmake --preset "$preset" "$@" >"$root/build-$preset.log" 2>&1) || {
+        cat "$root/build-$preset.log"
+        fail "cmake could not configure, see above"
+    }
+    rm -f "$root/build-$preset.log"
+    (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)") ||
+        fail "the build failed, see above"
+}
