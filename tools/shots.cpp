@@ -1,0 +1,252 @@
+// Takes pictures of the real game, frame by frame, from a list of places and moments: what to
+// look at when the art has changed. Runs in the data folder, on a display.
+//
+// Usage: shots PICTURE_FOLDER [NAME_PART]
+// With NAME_PART only the shots whose names contain it.
+
+#include <GL/glut.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "game_objects.h"
+#include "game_state.h"
+#include "input.h"
+#include "main.h"
+#include "rendering.h"
+#include "update.h"
+#include "viewer.h"
+
+namespace {
+
+constexpr int WIDTH = 1280;
+constexpr int HEIGHT = 1024;
+constexpr float RADIANS = 0.017453292F;  // of one degree
+constexpr int SETTLING_FRAMES = 3;       // for the camera and the texts
+
+// A place in the town and a view: heading 0 looks along -z, 90 along -x. The view is turned
+// by `yaw` from behind the player and raised by `pitch`; `distance` counts in that of the start.
+struct Place {
+    const char *name;
+    float x, z;
+    float heading;
+    float distance = 1;
+    float yaw = 0;
+    float pitch = 0;
+};
+
+// clang-format off
+const Place PLACES[] = {
+    {"start",                  0,     0,    0},
+    {"start-back",             0,     0,  180},
+    {"start-left",             0,     2,   90},
+    {"start-right",            0,     2,  270},
+    {"street-49-west",        82,    49,   90},
+    {"street-49-east",       -46,    49,  270},
+    {"street-27-west",        82,    27,   90},
+    {"street-27-east",       -46,    27,  270},
+    {"street-05-west",        82,     5,   90},
+    {"street-05-east",       -46,     5,  270},
+    {"street-17-west",        82,   -17,   90},
+    {"street-17-east",       -46,   -17,  270},
+    {"street-39-west",        82,   -39,   90},
+    {"street-39-east",       -46,   -39,  270},
+    {"castle-from-the-gate", -52,     0,   90},
+    {"castle-from-the-road", -40,     5,   85},
+    {"castle-from-afar",      15,     5,   90},
+    {"castle-from-the-side", -58,    40,   40},
+    {"forest",               -72,    30,   90},
+    {"forest-edge",          -76,    52,   60},
+    {"forest-and-castle",    -50,   -30,   75},
+    {"tree",                  -6,     3,   60, 1, 0, 5},
+    {"tree-near",             30,     6,    0, 0.7F},
+    {"cottage-front",         17,    22,    0},
+    {"cottage-back",          17,    10,  180},
+    {"cottage-east",          21.5F, 16,   90},
+    {"cottage-west",          17,    16,  270},
+    {"inn-front",             12,    24,    0},
+    {"inn-back",              12,     8,  180},
+    {"inn-east",              18,    24,   30},
+    {"inn-west",               6,    24,  330},
+    {"hall-front",             4,    25,    0},
+    {"hall-back",              4,     7,  180},
+    {"hall-east",             12,    24,   40},
+    {"hall-west",             -3,    24,  320},
+    {"townsperson-1",          5,     2.2F, 0, 0.8F, 25},
+    {"townsperson-2",        -23,     2,   45, 0.8F, -25},
+    {"townsperson-3",        -40,    13,    0, 0.8F, 25},
+    {"townsperson-4",         20,    15,    0, 0.8F, 25},
+    {"townsperson-5",         48,     5,  270, 0.8F, 25},
+    {"enemy",                -13,     6,   45, 0.8F, 25},
+    {"poodle-side",           40,     5,   90, 0.7F, 80},
+    {"poodle-front",          40,     5,   90, 0.7F, 160},
+    {"sky-north",             60,    71,  180, 1, 0, -18},
+    {"sky-south",             60,   -61,    0, 1, 0, -18},
+    {"sky-east",             -70,    71,   90, 1, 0, -18},
+    {"sky-west",              90,     5,  270, 1, 0, -18},
+    {"sky-corner",           -60,    75,  135, 1, 0, -18},
+    {"ground-near",           40,     5,   90, 0.12F, 0, 10},
+    {"ground-from-above",     40,     5,   90, 4.6F, 0, 40},
+    {"roofs-from-above",       4,     5,    0, 4.6F, 0, 25},
+};
+// clang-format on
+
+std::string folder;
+std::string wanted;
+
+bool isWanted(const std::string &name) {
+    return name.find(wanted) != std::string::npos;
+}
+
+void runFrames(int frames) {
+    for (int i = 0; i < frames; ++i) {
+        idleCallback();
+        displayCallback();
+    }
+}
+
+void press(unsigned char key) {
+    keyCallback(key, 0, 0);
+}
+
+void save(const std::string &name) {
+    ContactSheet picture(1, WIDTH, HEIGHT);
+    picture.add();
+    if (!picture.write(folder + "/" + name + ".png")) {
+        exit(1);
+    }
+    printf("%s\n", name.c_str());
+}
+
+void stand(const Place &place) {
+    position[0] = positionold[0] = place.x;
+    position[2] = positionold[2] = place.z;
+    objrot = objrotold = place.heading * RADIANS;
+    const float yaw = (place.heading + place.yaw) * RADIANS;
+    const float pitch = place.pitch * RADIANS;
+    const float back = 4.8F * place.distance;
+    camera.center[0] = place.x;
+    camera.center[1] = 1.5F;
+    camera.center[2] = place.z;
+    camera.eye[0] = place.x + back * std::cos(pitch) * std::sin(yaw);
+    camera.eye[1] = std::fmax(0.1F, 1.5F + 0.3F * place.distance + back * std::sin(pitch));
+    camera.eye[2] = place.z + back * std::cos(pitch) * std::cos(yaw);
+    runFrames(SETTLING_FRAMES);
+}
+
+void shootTitle() {
+    for (const char *face : {"title-0", "title-1", "title-2", "title-3"}) {
+        save(face);
+        press('n');
+        runFrames(60);
+        if (isWanted("title-turn") && (option == 1 || option == 3)) {
+            save(std::string("title-turn-") + static_cast<char>('0' + option));
+        }
+        runFrames(121);
+    }
+}
+
+void shootWalk() {
+    stand({"", 40, 5, 90, 0.8F, 60});
+    for (int picture = 0; picture < 4; ++picture) {
+        for (int step = 0; step < 5; ++step) {
+            press('w');
+            runFrames(1);
+        }
+        save(std::string("walk-") + static_cast<char>('0' + picture));
+    }
+    keyUpCallback('w', 0, 0);
+}
+
+void shootTalk() {
+    stand({"", 5, 2.2F, 0, 0.8F, 25});
+    for (int step = 0; step < 6; ++step) {
+        press('w');
+        runFrames(1);
+    }
+    save("talk");
+    runFrames(60);
+}
+
+// A move of the battle at a few of its frames, then the enemy's answer at its height.
+void shootMove(const std::string &name, int cursor) {
+    Fight_status = cursor;
+    press(13);
+    for (const int frame : {10, 20, 30, 45}) {
+        const int since = frame == 10 ? 0 : frame == 45 ? 30 : frame - 10;
+        runFrames(frame - since);
+        save("battle-" + name + "-" + std::to_string(frame));
+    }
+    runFrames(20);
+    runFrames(25);
+    save("battle-" + name + "-answered");
+    runFrames(60);
+}
+
+void shootBattle() {
+    stand({"", -15, 6.2F, 0, 0.9F, 55});
+    for (int step = 0; step < 8 && status == TOWN; ++step) {
+        press('w');
+        runFrames(1);
+    }
+    save("battle-panel");
+    shootMove("defend", DEFEND);
+    shootMove("special", SPECIAL);
+    ENEMY_Health = 100;
+    shootMove("attack", ATTACK);
+    ENEMY_Health = 0;
+    runFrames(SETTLING_FRAMES);
+    save("battle-won");
+}
+
+void shootAll() {
+    runFrames(SETTLING_FRAMES);
+    if (isWanted("title")) {
+        shootTitle();
+    }
+    press('p');
+    runFrames(60);
+    for (const Place &place : PLACES) {
+        if (isWanted(place.name)) {
+            stand(place);
+            save(place.name);
+        }
+    }
+    if (isWanted("walk")) {
+        shootWalk();
+    }
+    if (isWanted("talk")) {
+        shootTalk();
+    }
+    if (isWanted("battle")) {
+        shootBattle();
+    }
+    exit(0);
+}
+
+}  // namespace
+
+// Takes the place of GLUT's: the frame stays in the back buffer, to be read.
+void glutSwapBuffers() {}
+
+int main(int argc, char **argv) {
+    glutInit(&argc, argv);
+    if (argc < 2) {
+        fprintf(stderr, "usage: shots PICTURE_FOLDER [NAME_PART]\n");
+        return 2;
+    }
+    folder = argv[1];
+    wanted = argc > 2 ? argv[2] : "";
+    createPlayers();
+    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
+    glutInitWindowSize(WIDTH, HEIGHT);
+    glutCreateWindow("Talvery: shots");
+    glutReshapeFunc(myReshape);
+    glutDisplayFunc(shootAll);
+    init();
+    glutMainLoop();
+    return 0;
+}
