@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 
@@ -23,7 +24,7 @@ const char *const USAGE =
 
 constexpr int WINDOW = 800;  // pixels, square
 constexpr unsigned SHEET_COLUMNS = 4;
-constexpr int CELL = 240;            // pixels, square
+constexpr int CELL = 200;            // pixels, square
 constexpr float LOW_PITCH = 5;       // degrees
 constexpr float HIGH_PITCH = 30;     // degrees
 constexpr float DISTANCE = 3.0F;     // of the eye, in radii of the model
@@ -34,7 +35,7 @@ View view = {30, HIGH_PITCH / 2, 1, {0, 0, 0}};
 bool wires = false;
 
 const float *corner(const objFace &face, int number) {
-    return &o.vertices[3 * face.vertex[number]];
+    return o.vertices + std::ptrdiff_t{3} * face.vertex[number];
 }
 
 bool isSpeck(const objFace &face) {

@@ -23,15 +23,15 @@ const char *const USAGE =
     "the file again, Escape leaves. --sheet writes a contact sheet and leaves.\n";
 
 constexpr float POODLE_SCALE = 0.4F;  // of the player's poodle
-constexpr View SIDE = {-90, 6, 2.9F, {0, 0.58F, -0.2F}};
-constexpr View BEHIND = {0, 16, 3.0F, {0, 0.62F, -0.1F}};  // the game's direction, but nearer
+constexpr View SIDE = {-90, 6, 3.1F, {0, 0.66F, -0.1F}};
+constexpr View BEHIND = {0, 16, 3.1F, {0, 0.68F, -0.1F}};  // the game's direction, but nearer
 
 constexpr int WINDOW = 800;                  // pixels, square
 constexpr unsigned FRAME_MILLISECONDS = 16;  // about the game's pace
 constexpr std::size_t LONGEST = 100000;      // steps; the rest of a longer file is not shown
 constexpr unsigned SHEET_COLUMNS = 8;
 constexpr std::size_t SHEET_FRAMES = 24;
-constexpr int CELL = 140;  // pixels, square
+constexpr int CELL = 132;  // pixels, square
 
 Arguments arguments;
 std::vector<Params> steps;  // the pose shown in each step, held ones included
@@ -111,14 +111,21 @@ void pressed(unsigned char key) {
     glutPostRedisplay();
 }
 
+// The side view, brought along with a poodle that leaps away.
+View besidePoodle() {
+    View beside = SIDE;
+    beside.centre[2] += POODLE_SCALE * steps[current].pos_x;
+    return beside;
+}
+
 // Frames from the first to the last step, evenly spread, each row from both views.
 bool writeSheet() {
     ContactSheet sheet(SHEET_COLUMNS, CELL, CELL);
     for (std::size_t row = 0; row < SHEET_FRAMES; row += SHEET_COLUMNS) {
-        for (const View &from : {SIDE, BEHIND}) {
+        for (const bool behind : {false, true}) {
             for (std::size_t frame = row; frame < row + SHEET_COLUMNS; ++frame) {
                 current = frame * (steps.size() - 1) / (SHEET_FRAMES - 1);
-                drawPicture(from, CELL, CELL);
+                drawPicture(behind ? BEHIND : besidePoodle(), CELL, CELL);
                 sheet.add();
             }
         }
