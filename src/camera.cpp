@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-constinit int width = 1280;
-constinit int height = 1024;
+constinit int width = START_WIDTH;
+constinit int height = START_HEIGHT;
 
 namespace {
 
@@ -14,14 +14,9 @@ constexpr double FIELD_OF_VIEW = 35;  // degrees, vertical
 constexpr double NEAR_PLANE = 0.1;
 constexpr double FAR_PLANE = 600;
 
-constexpr float ZOOM_IN = 0.9F;
-constexpr float ZOOM_OUT = 1.1F;
-constexpr float NEAREST = 0.0F;
-constexpr float MIDDLE = 0.5F;
-constexpr float FARTHEST = 1.5F;
 constexpr double NEAREST_SQUARED = 0.277;
 constexpr double FARTHEST_SQUARED = 500.0;
-constexpr int ALL_THE_WAY = 40;  // steps that pass either bound from anywhere
+constexpr int ALL_THE_WAY = 40;  // steps
 constexpr int HALF_THE_WAY = 20;
 
 constexpr float LOWEST_EYE = 0.1F;
@@ -66,11 +61,11 @@ void Camera::zoom(float factor) {
         for (int i = 0; i < 3; ++i) {
             eye[i] = center[i] + d[i] * factor;
         }
-    } else if (factor == NEAREST) {
+    } else if (factor == ZOOM_NEAREST) {
         zoomSteps(ZOOM_IN, ALL_THE_WAY);
-    } else if (factor == FARTHEST) {
+    } else if (factor == ZOOM_FARTHEST) {
         zoomSteps(ZOOM_OUT, ALL_THE_WAY);
-    } else if (factor == MIDDLE) {
+    } else if (factor == ZOOM_MIDDLE) {
         zoomSteps(ZOOM_IN, ALL_THE_WAY);
         zoomSteps(ZOOM_OUT, HALF_THE_WAY);
     }

@@ -4,6 +4,15 @@
 // aspect ratio of the view.
 extern int width;
 extern int height;
+constexpr int START_WIDTH = 1280;
+constexpr int START_HEIGHT = 1024;
+
+// What Camera::zoom understands: a step in, a step out, and the commands.
+constexpr float ZOOM_IN = 0.9F;
+constexpr float ZOOM_OUT = 1.1F;
+constexpr float ZOOM_NEAREST = 0.0F;
+constexpr float ZOOM_MIDDLE = 0.5F;
+constexpr float ZOOM_FARTHEST = 1.5F;
 
 // One viewpoint of the scene as a look-at transform, world units. The perspective
 // (35 degrees of vertical field, planes at 0.1 and 600) and the view both go onto
@@ -16,9 +25,10 @@ public:
     // Shifts eye and centre by `delta` (3 floats). The first argument is not read.
     void move(const float *position, const float *delta);
 
-    // 0.9 or 1.1 (exactly): one step in or out along the line to the centre, unless
-    // the squared distance has left (0.277, 500). The commands 0, 0.5 and 1.5 go to
-    // the nearest, a middle and the farthest distance. Any other factor: nothing.
+    // ZOOM_IN moves the eye one step towards the centre while their squared distance is
+    // above 0.277, ZOOM_OUT one step away while it is below 500. The commands take 40 steps
+    // in or out, ZOOM_MIDDLE 40 in and then 20 out. Compared exactly; any other factor
+    // changes nothing.
     void zoom(float factor);
 
     // Turns the eye about the centre, radians: `yaw` about the vertical line, then

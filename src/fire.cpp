@@ -3,9 +3,9 @@
 #include <GL/gl.h>
 
 #include "assets.h"
+#include "degrees.h"
 #include "game_objects.h"
 #include "game_state.h"
-#include "units.h"
 
 namespace {
 

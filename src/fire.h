@@ -7,6 +7,7 @@ using Fountain_Draw = void (Fireworks::*)();
 
 // Draws both fountains as two crossed planes of flames that turn with the player's
 // heading, 1.4 units above the origin of the current modelview frame, which is
-// kept. Loads the camera's view into the projection matrix again; leaves the fire
+// kept. Leaves the last particle's colour and the normal (0, 1, 0) current, the depth test on and
+// blending off. Loads the camera's view into the projection matrix again; leaves the fire
 // texture bound and the blend function additive.
 void drawFire(float scale, Fountain_Draw draw);

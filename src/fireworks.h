@@ -19,7 +19,8 @@ struct Particle {
 //
 // The caller places and scales the fountain, binds a fire texture and sets the
 // blend function. Drawing clamps the bound texture to its edge, for good, and
-// leaves the depth test on, blending off and the last particle's colour current.
+// leaves the depth test on, blending off and the last particle's colour and the normal
+// (0, 1, 0) current.
 class Fireworks {
 public:
     // Births `count` particles (0..256; other counts are clamped) with seven

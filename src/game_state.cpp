@@ -1,5 +1,7 @@
 #include "game_state.h"
 
+#include "camera.h"
+
 constinit int status = TITLE;
 constinit int Menu = NO_OVERLAY;
 
@@ -22,8 +24,8 @@ constinit int BattleMessageTimer = 0;
 constinit int PlayerTimer = 0;
 constinit char HIT[3] = {};
 constinit char HEALTH[4] = {};
-constinit int health = 100;
-constinit int ENEMY_Health = 100;
+constinit int health = START_HEALTH;
+constinit int ENEMY_Health = START_HEALTH;
 constinit int special = 100;
 constinit int ENTERPRESS = NO_MOVE;
 constinit int ENTERPRESS_ENEMY = NO_MOVE;
@@ -34,9 +36,9 @@ constinit float objrot = 0;
 constinit float objrotold = 0;
 constinit float vect[3] = {};
 constinit float camrot[3] = {};
-constinit int zoom = 0;
-constinit float zoom_in = 0.9F;
-constinit float zoom_out = 1.1F;
+constinit int zoom = ZOOM_NONE;
+constinit float zoom_in = ZOOM_IN;
+constinit float zoom_out = ZOOM_OUT;
 constinit int action = STANDING;
 
 constinit Params marked_params = {};

@@ -45,6 +45,9 @@ enum Move { ATTACK = 0, DEFEND = 1, SPECIAL = 2, NO_MOVE = 3 };
 enum Turn { PLAYER_CHOOSES = 0, ENEMY_TO_MOVE = 1 };
 enum Message { NO_MESSAGE = 0, PLAYER_HIT = 1, ENEMY_HIT = 2, PLAYER_DEFENDED = 3 };
 
+// Health of the player and of the enemy before the first blow.
+constexpr int START_HEALTH = 100;
+
 extern int Fight_status;        // move under the cursor (Move); written by keys
 extern int Battle_Turn;         // Turn
 extern int BATTLE_MESSAGE;      // Message of the last move; cleared by a win
@@ -61,6 +64,7 @@ extern int ENTERPRESS_ENEMY;    // ATTACK while the enemy's animation runs, else
 // --- Player and camera ---------------------------------------------------------
 
 enum Action { STANDING = 0, WALKING = 1, HELD_STILL = 2 };
+enum Zoom { ZOOMING_OUT = -1, ZOOM_NONE = 0, ZOOMING_IN = 1 };
 
 extern float position[3];     // on the ground, world units; written by keys and the update
 extern float positionold[3];  // at the end of the last update: where the poodle is drawn

@@ -20,11 +20,6 @@ constexpr double TURN = 0.05;            // radians a key event
 constexpr float CUBE_TURN = 90;          // degrees
 constexpr float PIXELS_PER_RADIAN = 25;  // mouse look
 
-// Commands of Camera::zoom, not factors.
-constexpr float ZOOM_NEAREST = 0.0F;
-constexpr float ZOOM_MIDDLE = 0.5F;
-constexpr float ZOOM_FARTHEST = 1.5F;
-
 // The last pointer seen outside the title screen, or the first one ever.
 constinit bool pointerSeen = false;
 constinit int lastX = 0;
@@ -147,11 +142,11 @@ void keyUpCallback(unsigned char key, int /*x*/, int /*y*/) {
 void mouseCallback(int button, int state, int /*x*/, int /*y*/) {
     if (status != TITLE) {
         if (state == GLUT_UP) {
-            zoom = 0;
+            zoom = ZOOM_NONE;
         } else if (state == GLUT_DOWN && button == GLUT_LEFT_BUTTON) {
-            zoom = 1;
+            zoom = ZOOMING_IN;
         } else if (state == GLUT_DOWN && button == GLUT_RIGHT_BUTTON) {
-            zoom = -1;
+            zoom = ZOOMING_OUT;
         }
     }
     glutPostRedisplay();
@@ -164,8 +159,8 @@ void motionCallback(int x, int y) {
         lastY = y;
     }
     if (status != TITLE) {
-        camrot[0] = -static_cast<float>(x - lastX) / PIXELS_PER_RADIAN;
-        camrot[1] = -static_cast<float>(y - lastY) / PIXELS_PER_RADIAN;
+        camrot[0] = static_cast<float>(lastX - x) / PIXELS_PER_RADIAN;
+        camrot[1] = static_cast<float>(lastY - y) / PIXELS_PER_RADIAN;
         lastX = x;
         lastY = y;
     }

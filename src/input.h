@@ -3,7 +3,7 @@
 // GLUT's input callbacks. They record the player's requests in the game state at
 // once and leave what takes time to the next update; each asks for a redisplay.
 // Every delivered key event is one step, so a held key moves at the platform's key
-// repeat. Keys are lower-case characters; any other key is ignored.
+// repeat. Letters count in lower case only; a key without a meaning is ignored.
 
 // A key goes down (or repeats). The pointer's place is not used.
 void keyCallback(unsigned char key, int x, int y);

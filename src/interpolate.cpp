@@ -1,10 +1,11 @@
 #include "interpolate.h"
 
+#include <cstdio>
 #include <cstring>
 
 namespace {
 
-// Keeps the blend below 1 and its divisor above 0 where two keys share a frame.
+// Keeps the divisor of the blend above 0 where two keys share a frame.
 constexpr float SPAN_GUARD = 0.0001F;
 
 float signedFrame(const KeyFrame &key) {

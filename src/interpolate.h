@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdio>
-#include <memory>
+#include "file.h"
 
 // The pose of one articulated character. Angles are degrees, never wrapped or
 // clamped; positions are in the character's model units, in which the nose points
@@ -28,7 +27,7 @@ struct Params {
     float upper_jaw;
     float lower_jaw;
     float tongue;
-    float ear_left;  // about x; a positive value lifts either ear
+    float ear_left;  // about x: at 0 both ears splay outwards by 28, at 28 they hang straight
     float ear_right;
     float chest;  // front body with front legs, neck and head
     float tail_pitch;
@@ -78,10 +77,6 @@ public:
     bool read(KeyFrame &key);
 
 private:
-    struct Close {
-        void operator()(FILE *stream) const { fclose(stream); }
-    };
-
     void open();
     void readKey(KeyFrame &key);
     void changeKey();
@@ -92,7 +87,7 @@ private:
     int total_keys = 0;      // as the header counts them; compared as unsigned
     unsigned key_index = 0;  // key changes since the file was opened
     const char *filename;
-    std::unique_ptr<FILE, Close> file;
+    File file;
     KeyFrame current = {};  // the key that the pose comes from
     KeyFrame next = {};     // the key that the pose goes to
 };

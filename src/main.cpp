@@ -57,7 +57,7 @@ int main(int argc, char **argv) {
     createPlayers();
     glutInit(&argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
-    glutInitWindowSize(1280, 1024);
+    glutInitWindowSize(START_WIDTH, START_HEIGHT);
     glutCreateWindow("Talvery");
     glutReshapeFunc(myReshape);
     glutDisplayFunc(displayCallback);

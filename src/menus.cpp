@@ -135,19 +135,23 @@ void displayMenus() {
 
 void displayBattleMessages() {
     glPushMatrix();
-    switch (BATTLE_MESSAGE) {
-    case PLAYER_HIT:
-        draw2DText(LEFT, MESSAGE_Y, "YOUR ATTACK CAUSED");
-        draw2DText(0, MESSAGE_Y, HIT);
-        draw2DText(0.05F, MESSAGE_Y, "DAMAGE");
-        break;
-    case ENEMY_HIT:
-        draw2DText(LEFT, MESSAGE_Y, "ENEMY CAUSED");
-        draw2DText(-0.1F, MESSAGE_Y, HIT);
-        draw2DText(-0.05F, MESSAGE_Y, "DAMAGE TO YOU");
-        break;
-    case PLAYER_DEFENDED: draw2DText(LEFT, MESSAGE_Y, "DEFENDING ADDS 20 TO YOUR HEALTH"); break;
-    default: break;
+    {
+        switch (BATTLE_MESSAGE) {
+        case PLAYER_HIT:
+            draw2DText(LEFT, MESSAGE_Y, "YOUR ATTACK CAUSED");
+            draw2DText(0, MESSAGE_Y, HIT);
+            draw2DText(0.05F, MESSAGE_Y, "DAMAGE");
+            break;
+        case ENEMY_HIT:
+            draw2DText(LEFT, MESSAGE_Y, "ENEMY CAUSED");
+            draw2DText(-0.1F, MESSAGE_Y, HIT);
+            draw2DText(-0.05F, MESSAGE_Y, "DAMAGE TO YOU");
+            break;
+        case PLAYER_DEFENDED:
+            draw2DText(LEFT, MESSAGE_Y, "DEFENDING ADDS 20 TO YOUR HEALTH");
+            break;
+        default: break;
+        }
     }
     glPopMatrix();
 }

@@ -7,18 +7,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <utility>
+
+#include "file.h"
 
 namespace {
 
 constexpr int LINE_BUFFER = 80;   // characters of a line read at a time, with the terminator
 constexpr int SHORTEST_LINE = 3;  // what the counting pass takes for a line, with its end
 constexpr double BOX_MARGIN = 0.1;
-
-struct Close {
-    void operator()(FILE *stream) const { fclose(stream); }
-};
 
 struct Counts {
     int vertices = 0;
@@ -53,30 +50,6 @@ bool startsWith(const char *text, const char *start) {
     return strncmp(text, start, strlen(start)) == 0;
 }
 
-// A face of n corners has at most n blanks and yields at most n triangles.
-std::size_t triangleRoomOf(const char *faceLine) {
-    const char *end = faceLine + strlen(faceLine);
-    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(2, std::count(faceLine, end, ' ')));
-}
-
-Counts countLines(FILE *file, std::size_t &triangleRoom) {
-    Counts counts;
-    triangleRoom = 0;
-    char line[LINE_BUFFER];
-    while (readLine(file, line)) {
-        if (startsWith(line, "f ")) {
-            triangleRoom += triangleRoomOf(line);
-        }
-        if (strlen(line) < SHORTEST_LINE) {
-            continue;
-        }
-        counts.vertices += startsWith(line, "v ") ? 1 : 0;
-        counts.normals += startsWith(line, "vn") ? 1 : 0;
-        counts.texCoords += startsWith(line, "vt") ? 1 : 0;
-    }
-    return counts;
-}
-
 // The keyword is one character where a blank follows it, else two; the character
 // after it is overwritten.
 Line cutKeyword(char (&line)[LINE_BUFFER]) {
@@ -87,6 +60,31 @@ Line cutKeyword(char (&line)[LINE_BUFFER]) {
     }
     line[end] = '\0';
     return {line, line + end + 1};
+}
+
+// Room for the triangles of a face line, given what follows its keyword: each corner but the
+// first stands after a blank.
+std::size_t triangleRoomOf(const char *rest) {
+    return static_cast<std::size_t>(1 + std::count(rest, rest + strlen(rest), ' '));
+}
+
+Counts countLines(FILE *file, std::size_t &triangleRoom) {
+    Counts counts;
+    triangleRoom = 0;
+    char line[LINE_BUFFER];
+    while (readLine(file, line)) {
+        if (strlen(line) >= SHORTEST_LINE) {
+            counts.vertices += startsWith(line, "v ") ? 1 : 0;
+            counts.normals += startsWith(line, "vn") ? 1 : 0;
+            counts.texCoords += startsWith(line, "vt") ? 1 : 0;
+        }
+        // By the filling pass's own rule, which has no shortest line.
+        const auto [keyword, rest] = cutKeyword(line);
+        if (strcmp(keyword, "f") == 0) {
+            triangleRoom += triangleRoomOf(rest);
+        }
+    }
+    return counts;
 }
 
 // An index of the file counts from 1. Unsigned, so that the smallest int wraps
@@ -179,8 +177,8 @@ float *record(float *array, int index) {
     return array + 3 * static_cast<std::ptrdiff_t>(index);
 }
 
-// Counts one more record and returns its place, or null where the array is full:
-// a last line without its end is no line to the counting pass.
+// Counts one more record and returns its place, or null where the array is full: a last
+// line that is too short without its end is no line to the counting pass.
 float *nextRecord(float *array, int capacity, int &used) {
     const int index = used++;
     return index < capacity ? record(array, index) : nullptr;
@@ -233,7 +231,7 @@ void objReader::widenBox() {
 
 void objReader::loadObj(const char *filename) {
     maxZ = -3000;
-    const std::unique_ptr<FILE, Close> file(fopen(filename, "r"));
+    const File file(fopen(filename, "r"));
     if (!file) {
         error = OBJ_NOT_OPENED;
         return;

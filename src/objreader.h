@@ -4,8 +4,8 @@
 #include <cstdio>
 
 // One triangle as zero-based indices into the reader's three arrays. Corners 0
-// to 2 are drawn; corner 3 is the fourth one of the quadrilateral that the
-// triangle was split from. An absent index is 0 and refers to the first entry.
+// to 2 are drawn; corner 3 is the polygon's fourth one in the first triangle that it
+// was split into, else 0. An absent index is 0 and refers to the first entry.
 struct objFace {
     int vertex[4];
     int normal[4];
@@ -22,8 +22,12 @@ enum Obj_Error { OBJ_OK = 0, OBJ_COUNTS_DIFFER = 2, OBJ_NOT_OPENED = 4, OBJ_NO_M
 // the group "Facets_8" faces are wound the other way round. A blank is a space
 // only; everything else is ignored, and a malformed number reads as 0. Lines are
 // read in pieces of at most 79 characters, each a line of its own. Indices count
-// from 1 over the whole file. A face with an index outside an array that the file
+// from 1 over the whole file. A face of fewer than three corners keeps index 0 for the
+// missing ones. A face with an index outside an array that the file
 // has is dropped; where the file has no such array the index is never used.
+//
+// A last line of fewer than 3 characters is passed over by the pass that counts and not by
+// the one that fills: where it is a "v", "vn" or "vt" line, the counts differ.
 //
 // An object that has failed stays failed: later loads fill its arrays, but it
 // centres and draws nothing. Nothing is printed.

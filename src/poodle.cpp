@@ -25,16 +25,16 @@ void cylinder(float r0, float r1, float length) {
     drawCylinder(r0, r1, length, SLICES);
 }
 
-void rotateX(float degrees) {
-    glRotatef(degrees, 1, 0, 0);
+void rotateX(float angle) {
+    glRotatef(angle, 1, 0, 0);
 }
 
-void rotateY(float degrees) {
-    glRotatef(degrees, 0, 1, 0);
+void rotateY(float angle) {
+    glRotatef(angle, 0, 1, 0);
 }
 
-void rotateZ(float degrees) {
-    glRotatef(degrees, 0, 0, 1);
+void rotateZ(float angle) {
+    glRotatef(angle, 0, 0, 1);
 }
 
 void white() {

@@ -20,5 +20,5 @@ void drawCircle(float radius, int segments, NORMAL facing);
 
 // A capped cylinder or truncated cone along y: radius r0 at -length/2, r1 at
 // +length/2. The sides shade continuously; where r0 is 0 the side normals are
-// zero vectors. A segment count of 0 or less draws nothing.
+// zero vectors. A segment count of 0 or less draws no faces.
 void drawCylinder(float r0, float r1, float length, int segments);

@@ -4,6 +4,7 @@
 
 #include "assets.h"
 #include "battle.h"
+#include "degrees.h"
 #include "game_objects.h"
 #include "game_state.h"
 #include "intro_cube.h"
@@ -14,7 +15,6 @@
 #include "render_pass.h"
 #include "sky_box.h"
 #include "town.h"
-#include "units.h"
 
 namespace {
 

@@ -10,7 +10,8 @@ constexpr unsigned MAX_FOOTPRINTS = 512;
 // start-up, then the people from the first town frame. Nothing is ever removed.
 extern Collision_Object collision_scene[MAX_FOOTPRINTS];
 extern unsigned collision_back;
-// The player's footprint, a circle of radius 1 at `position` since the last update.
+// The player's footprint, a circle of radius 1, where `position` was at the start of the last
+// update, also if that has put the player back.
 extern Collision_Object collision_char;
 // Result of the latest test of the update (Collision_Code).
 extern int collision_action;

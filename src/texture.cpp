@@ -9,6 +9,8 @@
 #include <memory>
 #include <utility>
 
+#include "file.h"
+
 unsigned num_texture;
 
 namespace {
@@ -17,12 +19,6 @@ constexpr long SIZE_OFFSET = 18;        // bytes before the width
 constexpr long SKIPPED_AFTER_BPP = 24;  // bytes between the bits per pixel and the pixels
 constexpr std::int64_t BYTES_PER_PIXEL = 3;
 constexpr std::int64_t ROW_ALIGNMENT = 4;  // OpenGL reads rows from multiples of this
-
-struct Close {
-    void operator()(FILE *stream) const { fclose(stream); }
-};
-
-using File = std::unique_ptr<FILE, Close>;
 
 struct Free {
     void operator()(unsigned char *memory) const { free(memory); }
@@ -45,10 +41,10 @@ std::uint32_t readNumber(FILE *file, int bytes) {
 // Bytes of the pixel data, or -1 where the sizes have no such number.
 std::int64_t dataSize(int width, int height) {
     const std::int64_t area = static_cast<std::int64_t>(width) * height;
-    return area > INT64_MAX / 4 ? -1 : area * BYTES_PER_PIXEL;
+    return area < 0 || area > INT64_MAX / 4 ? -1 : area * BYTES_PER_PIXEL;
 }
 
-// Room for the data and for the last row's padding, which OpenGL reads too where
+// Room for the data and for the padding of its rows, which OpenGL takes for granted where
 // the width is not a multiple of 4. Null where there is not so much memory.
 Pixels allocatePixels(const Image &image) {
     const std::int64_t size = dataSize(image.width, image.height);

@@ -11,6 +11,7 @@ extern unsigned num_texture;
 //
 // Neither the signature nor the data offset is looked at: the pixels are the
 // width x height x 3 bytes (blue, green, red) from byte 54 on, bottom row first,
-// without padding. Files that pad their rows load skewed; a negative product of
+// without padding. Where the width is no multiple of 4, OpenGL, which expects padded rows,
+// shows them skewed; a negative product of
 // the sizes counts as pixels that do not fit, a product of 0 as unreadable ones.
 int LoadBitmap(const char *filename);

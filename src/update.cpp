@@ -55,7 +55,7 @@ void checkWin() {
     if (ENEMY_Health < 1) {
         status = TOWN;
         Menu = NO_OVERLAY;
-        ENEMY_Health = 100;
+        ENEMY_Health = START_HEALTH;
         selectOption = true;
         BATTLE_MESSAGE = NO_MESSAGE;
     }
@@ -84,9 +84,9 @@ void moveCamera() {
     camrot[0] = 0;
     camrot[1] = 0;
 
-    if (zoom == 1) {
+    if (zoom == ZOOMING_IN) {
         camera.zoom(zoom_in);
-    } else if (zoom == -1) {
+    } else if (zoom == ZOOMING_OUT) {
         camera.zoom(zoom_out);
     }
 }
