@@ -1,0 +1,599 @@
+"""The three houses of Drossmere and their picture.
+
+Run: blender -b --factory-startup -P art/houses.py
+
+house1 is a thatched cottage, house2 an inn with a jettied upper floor, house3
+the hall whose roof has fallen in and burns. All measures are units above the
+ground, gables of house1 and house2 face the streets (+z and -z); `settled`
+moves each model to the height that the game expects.
+"""
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+
+import numpy as np
+
+from building import CHAR, CHAR_LIGHT, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, centred, ears, outward
+from shared import PALETTE, Mesh, mix, rgb, smoothstep, write_bmp
+
+GROUND = -1.7
+WALL_DENSITY, ROOF_DENSITY = 67, 48           # pixels a unit
+
+STONES = [PALETTE["stone"] * 1.1, PALETTE["stone"] * 0.85, rgb("8a7a6a"), rgb("6c6a72")]
+PLUM_TILES = [PALETTE["plum"] * 1.25, PALETTE["plum"], TILE_RED, rgb("6d4a63")]
+SLATES = [PALETTE["slate"] * 1.25, PALETTE["slate"], SLATE_LIGHT, rgb("4d5568")]
+
+# Cottage: x half width, z half length, heights
+COTTAGE = dict(eave_x=1.92, eave_z=2.45, eave_y=1.30, ridge_y=3.75, thick=0.38,
+               wall_x=1.50, wall_z=2.05, hip_x=0.85, hip_z=1.40)
+INN = dict(eave_x=2.70, eave_z=3.88, eave_y=3.20, ridge_y=5.65, thick=0.24,
+           wall_x=2.36, wall_z=3.58, low_x=2.08, low_z=3.22, floor_low=1.92, floor=2.20)
+HALL = dict(eave_x=4.60, eave_z=4.85, eave_y=2.00, ridge_y=5.85, thick=0.28,
+            wall_x=4.30, wall_z=4.40, middle=-0.45)
+# The fallen part of the hall's roof: places along the ridge (x, from the hall's
+# middle) and up the slope (0 eaves .. 1 ridge), from the +x end of the gap.
+GAP_FRONT = [(2.25, 1.0), (1.40, 0.80), (2.00, 0.58), (0.75, 0.36), (-0.10, 0.54), (-1.25, 0.60), (-1.75, 1.0)]
+GAP_BACK = [(2.25, 1.0), (1.90, 0.66), (0.90, 0.56), (0.10, 0.38), (-1.35, 0.52), (-0.85, 0.78), (-1.75, 1.0)]
+
+
+# The picture ------------------------------------------------------------------
+
+def cottage_gable():
+    panel = Panel(3.4, 3.2, WALL_DENSITY, 1)
+    panel.plaster()
+    panel.beam(-1.6, 1.86, 1.6, 1.86, 0.24)
+    for side in (-1, 1):
+        panel.beam(side * 1.50, 0.5, side * 1.42, 1.9, 0.24)
+        panel.beam(side * 1.45, 1.9, side * 0.45, 3.15, 0.22)
+        panel.beam(side * 0.62, 1.9, side * 0.62, 2.9, 0.16)
+    panel.beam(0.0, 2.75, 0.0, 3.2, 0.15)
+    panel.beam(-1.42, 0.75, -0.15, 0.75, 0.15)
+    panel.window(0.0, 2.08, 0.62, 0.62)
+    panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-2, -1, 2, 0.46, soft=0.03))
+    panel.shade(panel.box(-2, 0.45, 2, 0.54, soft=0.05), 0.7)
+    panel.window(-0.82, 0.95, 0.66, 0.62, shutters=PALETTE["moss"] * 1.15)
+    panel.door(0.62, 0.84, 1.55, rgb("6f3f35"))
+    panel.lantern(1.27, 1.32)
+    panel.eaves_shadow(1.865 + (1.5 - np.abs(panel.sway_x)) * 1.256, 0.75, 0.5)     # the roof's slope
+    panel.ground_dirt(0.55)
+    return panel
+
+
+def cottage_side():
+    panel = Panel(4.3, 1.95, WALL_DENSITY, 2)
+    panel.plaster()
+    for x in (-2.0, -0.72, 0.72, 2.0):
+        panel.beam(x, 0.4, x * 0.985, 1.95, 0.2)
+    panel.beam(-2.0, 0.6, -0.75, 1.8, 0.17)
+    panel.beam(2.0, 0.6, 0.75, 1.8, 0.17)
+    panel.window(0.0, 0.85, 0.7, 0.6, shutters=PALETTE["moss"] * 1.15)
+    panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-3, -1, 3, 0.46, soft=0.03))
+    panel.eaves_shadow(1.87, 0.7)
+    panel.ground_dirt(0.55)
+    return panel
+
+
+def thatch_slope():
+    panel = Panel(5.0, 4.0, ROOF_DENSITY, 3)
+    panel.thatch()
+    ridge = panel.sway_y + 0.16 * np.abs(((panel.x / 0.55) % 1) - 0.5) * 2
+    panel.shade(panel.box(-3, 3.27, 3, 3.42, soft=0.06), 0.6)
+    panel.glow(smoothstep(3.36, 3.44, ridge) * 0.25, rgb("a9854b"))
+    for y in (3.52, 3.72):
+        zigzag = panel.sway_y - y - 0.05 * (np.abs(((panel.x / 0.26) % 1) - 0.5) * 4 - 1)
+        panel.shade(smoothstep(0.035, 0.015, np.abs(zigzag)), 0.6)
+    moss = smoothstep(0.48, 0.68, panel.grain(0.6, 5)) * smoothstep(2.6, 0.2, panel.sway_y)
+    panel.blend(moss * 0.6, PALETTE["moss"] * 0.95)
+    panel.shade(smoothstep(0.25, 0.0, panel.y), 0.8)
+    return panel
+
+
+def thatch_edge():
+    panel = Panel(5.2, 0.36, ROOF_DENSITY, 4)
+    straw = panel.grain(0.05, 1, stretch=3.0)
+    panel.picture = mix(rgb("50392a"), rgb("a07c48"), smoothstep(0.2, 0.85, straw))
+    panel.picture = panel.picture * (0.55 + 0.6 * smoothstep(0.0, 0.34, panel.y))[..., None]
+    return panel
+
+
+def soffit():
+    """Dark boards under the eaves, lighter outside where the sky reaches them."""
+    panel = Panel(9.4, 0.44, ROOF_DENSITY, 5)
+    panel.planks(0.22, PALETTE["oak"] * 0.9)
+    panel.shade(smoothstep(0.0, 0.44, panel.y), 0.42)
+    return panel
+
+
+def bargeboard():
+    panel = Panel(9.4, 0.28, ROOF_DENSITY, 6)
+    panel.planks(0.5, PALETTE["oak"] * 1.1, level=True)
+    panel.shade(smoothstep(0.16, 0.0, panel.y), 0.62)
+    panel.glow(smoothstep(0.20, 0.26, panel.y) * 0.22, PALETTE["plaster"])
+    return panel
+
+
+def inn_ground_front():
+    panel = Panel(4.3, 2.0, WALL_DENSITY, 7)
+    panel.stones(0.30, (0.34, 0.72), STONES)
+    panel.window(-1.12, 0.78, 0.98, 0.76, columns=3, rows=2)
+    panel.window(1.38, 0.78, 0.82, 0.76, columns=2, rows=2)
+    panel.door(0.22, 0.96, 1.66, rgb("35504a"))
+    panel.lantern(-0.42, 1.38)
+    panel.eaves_shadow(1.95, 0.62, 0.45)
+    panel.ground_dirt(0.5, 0.7)
+    return panel
+
+
+def inn_ground_side():
+    panel = Panel(6.5, 2.0, WALL_DENSITY, 8)
+    panel.stones(0.30, (0.34, 0.72), STONES)
+    for x in (-1.9, 1.7):
+        panel.window(x, 0.82, 0.85, 0.72)
+    panel.eaves_shadow(1.95, 0.62, 0.45)
+    panel.ground_dirt(0.5, 0.7)
+    return panel
+
+
+def jetty():
+    """The coving under the upper floor: beam ends in shadow."""
+    panel = Panel(7.2, 0.46, WALL_DENSITY, 9)
+    panel.planks(0.24, PALETTE["oak_dark"] * 1.0)
+    ends = np.abs(((panel.sway_x / 0.62) % 1) - 0.5) * 0.62
+    panel.blend(smoothstep(0.13, 0.11, ends), PALETTE["oak"] * 0.95)
+    panel.shade(smoothstep(0.34, 0.0, panel.y), 0.45)
+    panel.blend(panel.box(-9, 0.33, 9, 0.50), PALETTE["oak"] * 1.05)
+    return panel
+
+
+def inn_gable():
+    panel = Panel(4.8, 3.5, WALL_DENSITY, 10)
+    panel.plaster()
+    slope, eave, top = 0.907, 1.31, 3.45          # heights above the upper floor
+    panel.beam(-2.4, 0.12, 2.4, 0.12, 0.26)
+    for side in (-1, 1):
+        panel.beam(side * 2.26, 0.1, side * 2.26, 1.4, 0.24)
+        panel.beam(side * 2.30, eave - 0.02, 0, top - 0.06, 0.26)
+        panel.beam(side * 0.74, 0.2, side * 0.74, 2.72, 0.18)
+        panel.beam(side * 2.16, 0.22, side * 0.84, 1.26, 0.17)
+        panel.beam(side * 0.80, 1.45, side * 1.56, 1.95, 0.15)
+    panel.beam(-2.3, 1.34, 2.3, 1.34, 0.22)
+    panel.beam(-1.1, 2.42, 1.1, 2.42, 0.18)
+    panel.beam(0.0, 2.5, 0.0, 3.4, 0.16)
+    panel.window(0.0, 0.42, 0.92, 0.72, columns=3, shutters=rgb("6b3a44"))
+    panel.window(0.0, 1.64, 0.62, 0.60)
+    panel.eaves_shadow(eave + (2.36 - np.abs(panel.sway_x)) * slope + 0.02, 0.6, 0.5)
+    return panel
+
+
+def inn_side():
+    panel = Panel(7.3, 1.45, WALL_DENSITY, 11)
+    panel.plaster()
+    panel.beam(-3.6, 0.12, 3.6, 0.12, 0.26)
+    for x in (-3.5, -2.1, -0.7, 0.7, 2.1, 3.5):
+        panel.beam(x, 0.1, x, 1.5, 0.2)
+    panel.beam(-3.4, 0.25, -2.2, 1.3, 0.16)
+    panel.beam(3.4, 0.25, 2.2, 1.3, 0.16)
+    for x in (-1.4, 1.4):
+        panel.window(x, 0.36, 0.62, 0.62)
+    panel.eaves_shadow(1.36, 0.55)
+    return panel
+
+
+def plum_roof():
+    panel = Panel(7.9, 3.75, ROOF_DENSITY, 12)
+    panel.shingles(0.34, 0.36, PLUM_TILES)
+    roof_weather(panel, 3.7)
+    return panel
+
+
+def slate_roof():
+    panel = Panel(9.3, 6.25, ROOF_DENSITY, 13)
+    panel.shingles(0.40, 0.44, SLATES)
+    roof_weather(panel, 6.2)
+    slope = np.hypot(HALL["eave_z"], HALL["ridge_y"] - HALL["eave_y"])
+    gap = np.full(panel.x.shape, 99.0)
+    for points in (GAP_FRONT, [(-x, t) for x, t in GAP_BACK]):
+        corners = [(x, t * slope) for x, t in points]
+        for (xa, ya), (xb, yb) in zip(corners, corners[1:]):
+            gap = np.minimum(gap, panel.line_distance(xa, ya, xb, yb)[0])
+    inside = smoothstep(2.5, 1.2, np.abs(panel.x)) * smoothstep(0.30, 0.45, panel.y / slope)
+    ragged = gap + 0.5 * (panel.grain(0.3, 7) - 0.5)
+    panel.scorch(np.maximum(0.95 * smoothstep(1.25, 0.1, ragged), 0.6 * inside))
+    soot = smoothstep(1.7, 0.3, np.abs(panel.x + 0.3 * (panel.grain(0.8, 9) - 0.5)) - 0.4)
+    panel.shade(soot * smoothstep(0.05, 0.5, panel.y / slope), 0.55)
+    embers = smoothstep(0.55, 0.68, panel.grain(0.16, 8)) * smoothstep(0.24, 0.0, ragged)
+    panel.blend(embers, mix(PALETTE["ember"], PALETTE["glow"], smoothstep(0.6, 0.8, panel.grain(0.16, 8))))
+    panel.glow(0.22 * np.exp(-gap / 0.25), PALETTE["ember"])
+    return panel
+
+
+def roof_weather(panel, ridge):
+    """Ridge tiles, moss and damp toward the eaves."""
+    panel.shade(panel.box(-9, ridge - 0.34, 9, ridge - 0.20, soft=0.05), 0.55)
+    tile = np.abs(((panel.x / 0.5) % 1) - 0.5)
+    cap = smoothstep(ridge - 0.26, ridge - 0.22, panel.sway_y)
+    tone = (0.85 + 0.6 * smoothstep(ridge - 0.22, ridge, panel.sway_y)) * (1 - 0.5 * smoothstep(0.44, 0.49, tile))
+    panel.blend(cap, rgb("57505f") * tone[..., None])
+    moss = smoothstep(0.52, 0.70, panel.grain(0.5, 33)) * smoothstep(ridge * 0.6, 0.1, panel.sway_y)
+    panel.blend(moss * 0.55, PALETTE["moss"] * 0.8)
+    streak = smoothstep(0.5, 0.8, panel.grain(0.3, 34, stretch=8.0))
+    panel.shade(streak * 0.5, 0.72)
+
+
+def hall_front():
+    panel = Panel(8.7, 2.45, WALL_DENSITY, 14)
+    panel.plaster()
+    for x in (-4.2, -2.95, -1.35, 1.35, 2.95, 4.2):
+        panel.beam(x, 0.6, x, 2.45, 0.26)
+    panel.beam(-4.3, 2.22, 4.3, 2.22, 0.26)
+    for side in (-1, 1):
+        panel.beam(side * 4.1, 1.05, side * 3.1, 2.1, 0.18)
+        panel.beam(side * 1.46, 1.62, side * 2.84, 2.06, 0.16)
+    panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-5, -1, 5, 0.84, soft=0.03))
+    panel.shade(panel.box(-5, 0.84, 5, 0.92, soft=0.05), 0.65)
+    for x in (-2.15, 2.15):
+        panel.window(x, 0.98, 0.72, 0.78)
+    panel.door(0.0, 1.9, 2.05, rgb("5a4032"), double=True)
+    for x in (-1.18, 1.18):
+        panel.lantern(x * 1.02, 1.5)
+    plume = smoothstep(1.5, 0.2, np.abs(panel.sway_x - 0.2) - 0.5 * panel.grain(0.4, 3))
+    panel.scorch(0.75 * plume * smoothstep(1.35, 2.3, panel.sway_y + 0.5 * (panel.grain(0.3, 4) - 0.5)))
+    panel.eaves_shadow(2.38, 0.75, 0.42)
+    panel.ground_dirt(0.6)
+    return panel
+
+
+def hall_gable():
+    """Half of it, from the middle post outward: the other half is its mirror."""
+    panel = Panel(4.5, 6.0, ROOF_DENSITY, 15)
+    panel.x += 2.25                               # x runs from the middle post
+    panel.sway_x += 2.25
+    panel.plaster()
+    slope = (HALL["ridge_y"] - HALL["eave_y"]) / HALL["eave_z"]
+    eave = HALL["ridge_y"] - HALL["wall_z"] * slope
+    roof = HALL["ridge_y"] - panel.sway_x * slope
+    panel.beam(0.0, 0.6, 0.0, 6.0, 0.30)
+    panel.beam(4.24, 0.5, 4.24, 2.5, 0.28)
+    panel.beam(4.45, eave - 0.16, 0.0, HALL["ridge_y"] - 0.14, 0.30)
+    panel.beam(2.1, 0.7, 2.1, 4.1, 0.22)
+    for y, reach in ((2.3, 4.4), (3.9, 2.4)):
+        panel.beam(0, y, reach, y, 0.24)
+    panel.beam(2.2, 2.4, 3.4, 3.0, 0.18)
+    panel.beam(0.15, 4.0, 0.9, 4.9, 0.16)
+    panel.beam(4.1, 1.0, 2.2, 2.2, 0.18)
+    panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-1, -1, 6, 0.84, soft=0.03))
+    panel.window(1.06, 1.05, 0.86, 0.86)
+    panel.window(1.05, 2.72, 0.74, 0.80)
+    panel.scorch(0.8 * smoothstep(1.5, 0.2, np.hypot(panel.sway_x, (panel.sway_y - 5.6) * 0.7)))
+    panel.eaves_shadow(roof, 0.7, 0.5)
+    panel.ground_dirt(0.7)
+    return panel
+
+
+def charred_wood():
+    """The broken roof seen from inside the gap: burnt boards, embers below."""
+    panel = Panel(3.0, 1.6, ROOF_DENSITY, 16)
+    panel.planks(0.24, CHAR_LIGHT * 0.55)
+    panel.shade(smoothstep(0.4, 0.7, panel.grain(0.3, 1)), 0.4)
+    crack = smoothstep(0.60, 0.74, panel.grain(0.16, 2, stretch=2.5)) * smoothstep(1.1, 0.1, panel.sway_y)
+    panel.blend(crack, PALETTE["ember"])
+    panel.glow(0.40 * smoothstep(0.7, 0.0, panel.y), PALETTE["ember"])
+    panel.blend(smoothstep(1.42, 1.46, panel.sway_y) * (0.5 + 0.5 * panel.grain(0.1, 3)), PALETTE["plaster_dark"] * 0.55)
+    return panel
+
+
+def embers():
+    panel = Panel(4.4, 3.4, ROOF_DENSITY * 0.7, 17)
+    lumps = panel.grain(0.42, 1, octaves=3)
+    veins = smoothstep(0.13, 0.0, np.abs(lumps - 0.5))
+    panel.picture = np.ones_like(panel.picture) * CHAR * 1.3
+    panel.mottle(0.1, 0.3, 2)
+    panel.glow(0.55 * smoothstep(2.0, 0.2, np.hypot(panel.x, panel.y - 1.7)), PALETTE["ember"])
+    panel.blend(veins, mix(PALETTE["ember"], rgb("ffe08a"), smoothstep(0.5, 1.0, veins)))
+    return panel
+
+
+def burnt_beam():
+    panel = Panel(3.6, 0.26, ROOF_DENSITY, 18)
+    panel.planks(0.4, CHAR_LIGHT * 0.6, level=True)
+    panel.blend(smoothstep(0.5, 1.5, panel.x) * smoothstep(0.45, 0.65, panel.grain(0.15, 1)), PALETTE["ember"])
+    panel.glow(smoothstep(0.16, 0.24, panel.y) * 0.12, PALETTE["plaster_dark"])
+    return panel
+
+
+def chimney():
+    panel = Panel(1.0, 2.6, WALL_DENSITY * 0.9, 19)
+    panel.stones(0.24, (0.28, 0.52), STONES, mortar=0.03, joint=0.85)
+    panel.scorch(0.9 * smoothstep(2.2, 2.6, panel.sway_y + 0.2 * (panel.grain(0.2, 1) - 0.5)))
+    panel.shade(smoothstep(0.9, 0.2, panel.y), 0.6)
+    return panel
+
+
+def flue():
+    panel = Panel(0.9, 0.9, WALL_DENSITY * 0.6, 20)
+    panel.picture = np.ones_like(panel.picture) * PALETTE["stone"] * 0.8
+    panel.mottle(0.1, 0.3, 1)
+    panel.blend(panel.box(-0.26, 0.19, 0.26, 0.71, soft=0.06), PALETTE["soot"] * 0.5)
+    return panel
+
+
+def sign():
+    """The inn's board: a golden jug."""
+    panel = Panel(0.62, 0.70, WALL_DENSITY, 21)
+    panel.planks(0.2, rgb("35504a"), level=True)
+    edge = panel.box_distance(-0.31, 0.0, 0.31, 0.70)
+    panel.blend(smoothstep(-0.075, -0.055, edge), PALETTE["oak"] * 1.1)
+    gold = PALETTE["glow"]
+    body = np.hypot(panel.sway_x + 0.03, (panel.sway_y - 0.29) * 0.95) - 0.155
+    handle = np.abs(np.hypot(panel.sway_x - 0.14, panel.sway_y - 0.32) - 0.09) - 0.026
+    panel.blend(smoothstep(0.015, -0.01, handle), gold * 0.75)
+    panel.blend(smoothstep(0.015, -0.01, body), gold * (0.7 + 0.8 * smoothstep(0.1, 0.5, panel.sway_y))[..., None])
+    panel.blend(panel.box(-0.11, 0.40, 0.05, 0.55, round_by=0.02), gold * 0.95)
+    panel.blend(panel.box(-0.13, 0.52, 0.07, 0.58, round_by=0.02), PALETTE["cream"])
+    return panel
+
+
+def cupola():
+    panel = Panel(1.2, 1.4, WALL_DENSITY * 0.8, 22)
+    panel.planks(0.2, PALETTE["oak"] * 1.1)
+    for y in (0.55, 0.75, 0.95):
+        panel.shade(panel.box(-0.34, y, 0.34, y + 0.11), 0.3)
+    for x in (-0.52, 0.52):
+        panel.beam(x, 0, x, 1.4, 0.16)
+    panel.eaves_shadow(1.25, 0.35)
+    return panel
+
+
+PANELS = [slate_roof, plum_roof, hall_gable, inn_gable, cottage_gable, hall_front, inn_ground_front,
+          inn_ground_side, cottage_side, inn_side, thatch_slope, charred_wood, chimney, embers, jetty, soffit,
+          thatch_edge, bargeboard, burnt_beam, flue, sign, cupola]
+
+
+def picture():
+    atlas = Atlas(1024, border=4)
+    atlas.place_all({paint.__name__: paint() for paint in PANELS})
+    return atlas
+
+
+# The models -------------------------------------------------------------------
+
+def on_both_ends(build, atlas):
+    """build(builder) makes the parts at the +z end; the -z end is the same turned round."""
+    one = Builder(atlas)
+    build(one)
+    return Mesh().add(one.mesh, one.mesh.turned(180))
+
+
+def chimney_stack(builder, x, z, half, low, high, flare=0.09, cap=0.36):
+    """A stack whose head widens; low is hidden in the roof."""
+    square = lambda r, y: (x - r, x + r, z - r, z + r, y)
+    builder.four_sides("chimney", square(half * 1.12, low), square(half, high - cap), high - 2.55)
+    builder.four_sides("chimney", square(half, high - cap), square(half + flare, high), high - 2.55)
+    r = half + flare
+    builder.wall("flue", [(x - r, high, z - r), (x - r, high, z + r), (x + r, high, z + r), (x + r, high, z - r)],
+                 (0, 1, 0), (x, high, z + 0.45))
+
+
+def settled(mesh, lean):
+    """Crooked a little, then put on the game's ground."""
+    def place(p):
+        x, y, z = p
+        return np.array((x + lean * y * y * 0.02 + 0.02 * y * np.sin(z), y + GROUND, z))
+    return centred(mesh.bent(place))
+
+
+def cottage(atlas):
+    m = COTTAGE
+    slope = (m["ridge_y"] - m["eave_y"]) / m["eave_x"]
+    under = lambda x: m["ridge_y"] - slope * abs(x)
+    wall_top, verge_y = under(m["wall_x"]), under(m["hip_x"])
+    hip_fall = (m["ridge_y"] - verge_y) / (m["eave_z"] - m["hip_z"])
+    gable_top = verge_y + (m["eave_z"] - m["wall_z"]) * hip_fall
+    gable_x = (m["ridge_y"] - gable_top) / slope
+    up = np.array((0, m["thick"], 0))
+    eave, verge = np.array((m["eave_x"], m["eave_y"], m["eave_z"])), np.array((m["hip_x"], verge_y, m["eave_z"]))
+    ridge = np.array((0, m["ridge_y"], m["hip_z"]))
+    wall, peak = np.array((m["wall_x"], wall_top, m["wall_z"])), np.array((gable_x, gable_top, m["wall_z"]))
+    left = np.array((-1, 1, 1))
+
+    def end(b):
+        foot = (0, 0, m["wall_z"])
+        base = np.array((1.6, 0, m["wall_z"] + 0.05))
+        b.wall("cottage_gable", [base * left, base, wall, peak, peak * left, wall * left], (0, 0, 1), foot)
+        hip = [verge * left + up, verge + up, ridge + up]
+        b.on_slope("thatch_slope", hip, (0, 1), 1.2, 0.7)
+        b.strip("thatch_edge", [verge * left, verge, verge + up, verge * left + up], 1.6)
+        b.strip("thatch_edge", [verge, eave, eave + up, verge + up], 0.3)
+        b.strip("thatch_edge", [eave * left, verge * left, verge * left + up, eave * left + up], 2.2)
+        b.strip("soffit", [verge, verge * left, peak * left, peak], 1.0)
+        b.strip("soffit", [eave, verge, peak, wall], 0.5)
+        b.strip("soffit", [verge * left, eave * left, wall * left, peak * left], 3.0)
+        # One long side with this end: the other comes with the other end.
+        back = np.array((1, 1, -1))
+        low_back = np.array((1.6, 0, -m["wall_z"] - 0.05))
+        b.wall("cottage_side", [base, low_back, wall * back, wall], (1, 0, 0), (m["wall_x"], 0, 0))
+        middle = np.array((0, m["ridge_y"] - 0.17, 0))
+        slope_points = [eave, eave * back, verge * back, ridge * back, middle, ridge, verge]
+        b.wall("thatch_slope", [p + up for p in slope_points], (1, 1, 0), eave * (1, 1, 0) + up)
+        b.strip("thatch_edge", [eave, eave * back, eave * back + up, eave + up])
+        b.strip("soffit", [eave * back, eave, wall, wall * back], 2.0)
+
+    mesh = on_both_ends(end, atlas)
+    stack = Builder(atlas)
+    chimney_stack(stack, 0.52, -0.55, 0.34, 2.9, 4.75)
+    return settled(mesh.add(stack.mesh), 0.6)
+
+
+def gable_ends(b, m, under, up, panel_of_end):
+    """Verges, soffits and gable of a plain roof at its +z end."""
+    eave, ridge = np.array((m["eave_x"], m["eave_y"], m["eave_z"])), np.array((0, m["ridge_y"], m["eave_z"]))
+    wall = np.array((m["wall_x"], under(m["wall_x"]), m["wall_z"]))
+    peak = np.array((0, m["ridge_y"], m["wall_z"]))
+    left, back = np.array((-1, 1, 1)), np.array((1, 1, -1))
+    panel_of_end(b, wall, peak)
+    b.strip("bargeboard", [ridge, eave, eave + up, ridge + up], 0.2)
+    b.strip("bargeboard", [eave * left, ridge, ridge + up, eave * left + up], 3.4)
+    b.strip("soffit", [eave, ridge, peak, wall], 0.4)
+    b.strip("soffit", [ridge, eave * left, wall * left, peak], 2.0)
+    b.strip("bargeboard", [eave, eave * back, eave * back + up, eave + up])
+    b.strip("soffit", [eave * back, eave, wall, wall * back])
+
+
+def inn(atlas):
+    m = INN
+    slope = (m["ridge_y"] - m["eave_y"]) / m["eave_x"]
+    under = lambda x: m["ridge_y"] - slope * abs(x)
+    up, left, back = np.array((0, m["thick"], 0)), np.array((-1, 1, 1)), np.array((1, 1, -1))
+
+    def walls(b, wall, peak):
+        low = np.array((m["low_x"], m["floor_low"], m["low_z"]))
+        foot = np.array((m["low_x"] + 0.05, 0, m["low_z"] + 0.05))
+        floor = np.array((m["wall_x"], m["floor"], m["wall_z"]))
+        b.wall("inn_ground_front", [foot * left, foot, low, low * left], (0, 0, 1), (0, 0, m["low_z"]))
+        b.wall("inn_ground_side", [foot, foot * back, low * back, low], (1, 0, 0), (m["low_x"], 0, 0))
+        b.wall("jetty", [low * left, low, floor, floor * left], (0, -1, 1), low * (0, 1, 1))
+        b.wall("jetty", [low, low * back, floor * back, floor], (1, -1, 0), low * (1, 1, 0))
+        b.wall("inn_gable", [floor * left, floor, wall, peak, wall * left], (0, 0, 1), (0, m["floor"], m["wall_z"]))
+        b.wall("inn_side", [floor, floor * back, wall * back, wall], (1, 0, 0), (m["wall_x"], m["floor"], 0))
+
+    def end(b):
+        gable_ends(b, m, under, up, walls)
+        eave, ridge = np.array((m["eave_x"], m["eave_y"], m["eave_z"])), np.array((0, m["ridge_y"], m["eave_z"]))
+        saddle = np.array((0, m["ridge_y"] - 0.25, 0))
+        points = [eave, eave * back, ridge * back, saddle, ridge]
+        b.wall("plum_roof", [p + up for p in points], (1, 1, 0), eave * (1, 1, 0) + up)
+        hanging_sign(b, m)
+
+    mesh = on_both_ends(end, atlas)
+    stack = Builder(atlas)
+    chimney_stack(stack, -1.05, 1.1, 0.42, 4.2, 6.7)
+    return settled(mesh.add(stack.mesh), -0.5)
+
+
+def hanging_sign(b, m):
+    """A board across the street below the jetty, a hand's breadth thick."""
+    x, thick, z0, z1, low, high = -1.75, 0.06, m["low_z"] + 0.06, m["low_z"] + 0.66, 1.24, 1.92
+    for side in (-1, 1):
+        face = [(x + side * thick, low, z0), (x + side * thick, low, z1),
+                (x + side * thick, high, z1), (x + side * thick, high, z0)]
+        b.wall("sign", face, (side, 0, 0), (x, low - 0.01, (z0 + z1) / 2))
+    for z, out in ((z0, -1), (z1, 1)):
+        b.strip_facing("bargeboard", [(x + thick, low, z), (x + thick, high, z),
+                                      (x - thick, high, z), (x - thick, low, z)], (0, 0, out))
+    for y, out in ((low, -1), (high, 1)):
+        b.strip_facing("bargeboard", [(x - thick, y, z1), (x - thick, y, z0),
+                                      (x + thick, y, z0), (x + thick, y, z1)], (0, out, 0))
+
+
+def hall(atlas):
+    """Built with its ridge along z like the others, then turned along x."""
+    h = HALL
+    m = dict(h, eave_x=h["eave_z"], eave_z=h["eave_x"], wall_x=h["wall_z"], wall_z=h["wall_x"])
+    slope = (m["ridge_y"] - m["eave_y"]) / m["eave_x"]
+    under = lambda x: m["ridge_y"] - slope * abs(x)
+    up = np.array((0, m["thick"], 0))
+
+    def walls(b, wall, peak):
+        back = np.array((1, 1, -1))
+        foot = np.array((m["wall_x"] + 0.06, 0, m["wall_z"] + 0.06))
+        b.wall("hall_front", [foot, foot * back, wall * back, wall], (1, 0, 0), (m["wall_x"], 0, 0))
+        half = Builder(b.atlas)
+        middle = np.array((0, 0, m["wall_z"] + 0.06))
+        half.wall("hall_gable", [middle, foot, wall, peak], (0, 0, 1), (2.25, 0, m["wall_z"]))
+        b.mesh.add(half.mesh, half.mesh.scaled(x=-1))
+
+    mesh = on_both_ends(lambda b: gable_ends(b, m, under, up, walls), atlas)
+    mesh.add(broken_roof(atlas, m, up))
+    tower = Builder(atlas)
+    lantern_turret(tower, 3.1, m["ridge_y"])
+    mesh.add(tower.mesh)
+    return settled(mesh.turned(90).moved(x=m["middle"]), 0.25)
+
+
+def broken_roof(atlas, m, up):
+    """Both slopes around the gap, the gap's ragged thickness and what glows in it."""
+    b = Builder(atlas)
+    ring = []
+    for side, gap in ((1, GAP_FRONT), (-1, GAP_BACK)):
+        # After the turn along x, the ridge's z is -x; gaps are listed from +x.
+        def point(x, t, s=side):
+            return np.array((s * m["eave_x"] * (1 - t), m["eave_y"] + (m["ridge_y"] - m["eave_y"]) * t, x)) + up
+        outline = [(-m["eave_z"], 0), (m["eave_z"], 0), (m["eave_z"], 1)] + gap + [(-m["eave_z"], 1)]
+        for triangle in ears(outline):
+            b.wall("slate_roof", [point(*outline[i]) for i in triangle], (side, 1, 0), point(0, 0))
+        edge = [point(*g) for g in gap]
+        ring += edge[:-1] if side > 0 else edge[::-1][:-1]
+    crater(b, ring, np.array((0, 3.25, 0.2)))
+    for foot, tip, end in RAFTERS:
+        rafter(b, np.array(foot, dtype=float), np.array(tip, dtype=float), end)
+    return b.mesh
+
+
+# Burnt rafters that stand up out of the gap: foot, tip (before the turn along x), width at the tip
+RAFTERS = [((1.9, 3.5, 1.35), (0.30, 6.1, 1.30), 0.6), ((-1.9, 3.5, 0.55), (-0.05, 5.75, 0.25), 0.6),
+           ((1.7, 3.2, -0.35), (0.35, 5.2, -0.95), 0.0)]
+
+
+def crater(b, ring, floor):
+    """Slanting sides from the gap's edge down to a floor of embers."""
+    count = len(ring)
+    bottom = [np.array((floor[0] + (p[0] - floor[0]) * 0.62, floor[1], floor[2] + (p[2] - floor[2]) * 0.72)) for p in ring]
+    middle = np.mean(bottom, axis=0)
+    run = 0.0
+    for i in range(count):
+        j = (i + 1) % count
+        quad = [bottom[i], bottom[j], ring[j], ring[i]]
+        inward = middle + (0, 1.2, 0) - np.mean(quad, axis=0)
+        points = outward(quad, inward)
+        b.mesh.face(points, b.atlas.strip("charred_wood", points, run % 1.3))
+        run += np.linalg.norm(bottom[j] - bottom[i])
+    for triangle in ears([(p[2], p[0]) for p in bottom]):
+        b.wall("embers", [bottom[k] for k in triangle], (0, 1, 0), middle + (0, 0, 1.7))
+
+
+def rafter(b, foot, tip, end):
+    """A three-sided burnt timber; `end` is its width at the tip, 0 for a splinter."""
+    across = np.cross(tip - foot, (0, 1.0, 0))
+    across *= 0.17 / np.linalg.norm(across)
+    over = np.cross(across, tip - foot)
+    over *= 0.17 / np.linalg.norm(over)
+    section = [-across - over * 0.6, across - over * 0.6, over]
+    length = np.linalg.norm(tip - foot)
+    for i in range(3):
+        p, q = section[i], section[(i + 1) % 3]
+        quad = outward([foot + p, tip + p * end, tip + q * end, foot + q], p + q)
+        if end:
+            b.mesh.face(quad, b.atlas.strip("burnt_beam", quad, 3.5 - length))
+        else:
+            points = outward([foot + p, tip, foot + q], p + q)
+            uvs = b.atlas.strip("burnt_beam", [foot + p, tip, tip, foot + q], 3.5 - length)
+            b.mesh.face(points, [uvs[0], uvs[1], uvs[3]])
+    if end:
+        cap = outward([tip + p * end for p in section], tip - foot)
+        b.mesh.face(cap, b.atlas.strip("burnt_beam", [cap[0], cap[1], cap[2], cap[2]], 2.9)[:3])
+
+
+def lantern_turret(b, z, ridge):
+    """A louvred turret that straddles the ridge under a pointed cap."""
+    half, base, eave, tip = 0.52, ridge - 0.45, ridge + 0.95, ridge + 2.15
+    square = lambda r, y: (-r, r, z - r, z + r, y)
+    b.four_sides("cupola", square(half, base), square(half * 0.94, eave), base + 0.02)
+    corners = [(-1, 1), (1, 1), (1, -1), (-1, -1)]
+    reach = half + 0.22
+    b.strip_facing("soffit", [(sx * reach, eave - 0.1, z + sz * reach) for sx, sz in corners], (0, -1, 0))
+    for i in range(4):
+        (ax, az), (bx, bz) = corners[i], corners[(i + 1) % 4]
+        points = [(ax * reach, eave - 0.1, z + az * reach), (bx * reach, eave - 0.1, z + bz * reach), (0, tip, z)]
+        b.on_slope("plum_roof", points, (ax + bx, az + bz), 1.4 * i - 2, 0.4)
+
+
+def main():
+    atlas = picture()
+    write_bmp("house.bmp", atlas.picture)
+    cottage(atlas).write("house1.obj", 80)
+    inn(atlas).write("house2.obj", 100)
+    hall(atlas).write("house3.obj", 120)
+
+
+main()
