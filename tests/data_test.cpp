@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <string>
+
+#include "game_objects.h"
+#include "recording_gl.h"
+#include "texture.h"
+
+namespace {
+
+constexpr float SLACK = 0.05F;  // model units that no eye and no step notices
+
+std::string path(const std::string &name) {
+    return DATA_FOLDER "/" + name;
+}
+
+TEST(Data, ModelsStandOnTheGroundWithinTheirRoomAndBudget) {
+    // clang-format off
+    const struct {
+        const char *file;
+        int budget;                    // triangles
+        float ground;                  // model units, as the others
+        float minX, maxX, depth, top;  // room, along z both ways, for what is below `top`
+    } models[] = {
+        {"house1.obj",           80,   -1.7F,  -1.9F,     2,  2.5F, 99},
+        {"house2.obj",          100,   -1.7F,  -3.2F,  2.8F,  3.9F, 99},
+        {"house3.obj",          120,   -1.7F,  -5.2F,  4.3F,  4.9F, 99},
+        {"introCube.obj",       100,   -0.6F,  -0.6F,  0.6F,  0.6F, 99},
+        {"Tree.obj",            300,   -3.6F,     -1,     1,     1, -1},
+        {"castleMAPPED.obj",   2000, -1.567F, -3.33F, 6.33F, 4.67F, 99},
+        {"TreeBackground.obj",  800,   -0.5F,  -8.5F,  8.5F,     6, 99},
+        {"NPC.obj",             500, -2.333F, -1.67F, 1.67F, 1.67F, 99},
+    };
+    // clang-format on
+    for (const auto &m : models) {
+        SCOPED_TRACE(m.file);
+        o.loadObj(path(m.file).c_str());
+        o.centerObject();
+        ASSERT_EQ(o.getError(), OBJ_OK);
+        EXPECT_GE(o.getTriangleCount(), 12);
+        EXPECT_LE(o.getTriangleCount(), m.budget);
+        EXPECT_TRUE(o.normalCount > 0 && o.texCoordCount > 0) << "it is lit and textured";
+        int sunk = 0;
+        float lowest = m.top;
+        for (const objFace *f = o.faces; f != o.faces + o.triangleCount; ++f) {
+            const auto corner = [f](int i) {
+                return o.vertices + std::ptrdiff_t{3} * f->vertex[i];
+            };
+            const float low = std::min({corner(0)[1], corner(1)[1], corner(2)[1]});
+            if (low < m.ground - SLACK) {
+                ++sunk;
+                continue;
+            }
+            lowest = std::min(lowest, low);
+            for (int i = 0; i < 3; ++i) {
+                const float *c = corner(i);
+                EXPECT_TRUE(c[1] > m.top || (c[0] > m.minX - SLACK && c[0] < m.maxX + SLACK &&
+                                             std::fabs(c[2]) < m.depth + SLACK))
+                    << "out of its room at " << c[0] << ", " << c[1] << ", " << c[2];
+            }
+        }
+        EXPECT_NEAR(lowest, m.ground, SLACK) << "stands on the ground";
+        EXPECT_LE(sunk, 1) << "triangles below the ground: only one may anchor the box";
+    }
+}
+
+TEST(Data, PicturesHaveTheirSizes) {
+    // clang-format off
+    const struct {
+        const char *file;
+        int width, height;
+    } pictures[] = {
+        {"stone.bmp", 2048, 2048}, {"intro.bmp",  2048, 1024}, {"house.bmp",     1024, 1024},
+        {"sky.bmp",   1024, 1024}, {"floor.bmp",  1024, 1024}, {"north.bmp",     1024, 1024},
+        {"south.bmp", 1024, 1024}, {"west.bmp",   1024, 1024}, {"east.bmp",      1024, 1024},
+        {"wood.bmp",   512,  512}, {"brick.bmp",   512,  512}, {"fire.bmp",       256,  256},
+        {"NPC.bmp",    512,  512}, {"forest.bmp",  512,  512}, {"fire_blue.bmp",  256,  256},
+    };
+    // clang-format on
+    for (const auto &p : pictures) {
+        recording::reset();
+        ASSERT_GT(LoadBitmap(path(p.file).c_str()), 0) << p.file;
+        const recording::Texture &loaded = recording::textures().at(num_texture);
+        EXPECT_EQ(std::pair(loaded.width, loaded.height), std::pair(p.width, p.height)) << p.file;
+        EXPECT_EQ(std::filesystem::file_size(path(p.file)), 54U + 3U * p.width * p.height)
+            << p.file << " holds more than packed pixels of 24 bits";
+    }
+}
+
+}  // namespace

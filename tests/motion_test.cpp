@@ -1,0 +1,170 @@
+// The poodle's five motions, played frame by frame as the game plays them and measured
+// as the game draws them. When one of these fails, look at the file in the pose viewer.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "interpolate.h"
+#include "poodle.h"
+#include "recording_gl.h"
+
+namespace {
+
+constexpr double DEEPEST = -0.02;  // model units that a paw may sink into the ground
+constexpr double TOUCH = 0.02;     // below this a paw counts as standing on it
+constexpr float SNAP = 0.5F;       // degrees that no joint may jump between two motions
+constexpr std::size_t LONGEST = 10000;
+
+constexpr std::size_t PAWS = 4;
+constexpr std::size_t TOES = 3;
+// The paws' first toes among the ellipsoids of a drawing: hind left and right, front
+// left and right.
+constexpr std::array<std::size_t, PAWS> FIRST_TOES = {5, 10, 16, 20};
+
+struct Motion {
+    const char *name;
+    bool loops;
+    std::size_t longest;  // steps until it reports its end: a battle message stays for 60
+    double highest;       // model units to which the lowest paw may rise
+};
+
+void PrintTo(const Motion &motion, std::ostream *out) {
+    *out << motion.name;
+}
+
+// clang-format off
+const Motion MOTIONS[] = {
+    {"walk",    true,  LONGEST, 0.08},  // a trot: both pairs leave the ground for a moment
+    {"stay",    true,  LONGEST, TOUCH},
+    {"fight",   false, 60,      1.5},
+    {"defend",  false, 60,      0.3},  // hops into its guard and out of it
+    {"special", false, 60,      1.5},
+};
+// clang-format on
+
+std::string path(const std::string &name) {
+    return DATA_FOLDER "/" + name + ".txt";
+}
+
+// The keys as they stand in the file.
+std::vector<KeyFrame> keys(const std::string &name) {
+    std::ifstream file(path(name));
+    std::string word;
+    std::size_t count = 0;
+    file >> word >> word >> count;
+    std::vector<KeyFrame> all;
+    KeyFrame key;
+    while (std::all_of(std::begin(key.pose), std::end(key.pose),
+                       [&](float &value) { return static_cast<bool>(file >> value); }) &&
+           file >> key.frame) {
+        all.push_back(key);
+    }
+    EXPECT_TRUE(file.eof()) << "what follows key " << all.size() << " is no number";
+    EXPECT_EQ(all.size(), count) << "the header counts other keys than there are";
+    return all;
+}
+
+// The pose shown at each step up to the one that reports the end.
+std::vector<Params> steps(const std::string &name) {
+    const std::string file = path(name);
+    Interpolate player(file.c_str(), false);
+    std::vector<Params> poses;
+    Params pose = {};
+    bool ended = false;
+    while (!ended && poses.size() < LONGEST) {
+        ended = player.step(pose);
+        poses.push_back(pose);
+    }
+    return poses;
+}
+
+// The lowest point of an ellipsoid drawn as a scaled unit sphere.
+double lowestPoint(const recording::Drawing &sphere) {
+    const auto &m = sphere.state.modelview;
+    return m[13] - std::hypot(m[1], m[5], m[9]);
+}
+
+// The lowest points of the four paws in a pose.
+std::array<double, PAWS> pawHeights(const Params &pose) {
+    recording::reset();
+    Poodle dog;
+    dog.update(pose);
+    dog.draw();
+    const auto ellipsoids = recording::drawings(recording::SHAPE);
+    std::array<double, PAWS> heights;
+    for (std::size_t paw = 0; paw < PAWS; ++paw) {
+        heights[paw] = std::numeric_limits<double>::max();
+        for (std::size_t toe = 0; toe < TOES; ++toe) {
+            heights[paw] =
+                std::min(heights[paw], lowestPoint(ellipsoids.at(FIRST_TOES[paw] + toe)));
+        }
+    }
+    return heights;
+}
+
+// A full turn ends where it began.
+float apart(float a, float b) {
+    return std::abs(std::remainder(a - b, 360.0F));
+}
+
+float apart(const KeyFrame &a, const KeyFrame &b) {
+    float most = 0;
+    for (int i = 0; i < POSE_VALUES; ++i) {
+        most = std::max(most, apart(a.pose[i], b.pose[i]));
+    }
+    return most;
+}
+
+class Motions : public testing::TestWithParam<Motion> {};
+
+TEST_P(Motions, KeysRiseFromFrameZero) {
+    const auto all = keys(GetParam().name);
+    ASSERT_GE(all.size(), 2U);
+    EXPECT_EQ(all.front().frame, 0U);
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        EXPECT_GT(all[i].frame, all[i - 1].frame) << "key " << i;
+    }
+}
+
+TEST_P(Motions, BeginsAndEndsWithoutASnap) {
+    const auto all = keys(GetParam().name);
+    EXPECT_LT(apart(all.front(), all.back()), GetParam().loops ? 1e-6F : SNAP);
+    if (!GetParam().loops) {
+        EXPECT_LT(apart(all.front(), keys("stay").front()), SNAP);
+    }
+}
+
+TEST_P(Motions, EndsInTime) {
+    const auto poses = steps(GetParam().name);
+    EXPECT_LE(poses.size(), GetParam().longest);
+    EXPECT_LT(poses.size(), LONGEST) << "never ends";
+}
+
+TEST_P(Motions, PawsStandOnTheGroundAndNotInIt) {
+    const char *const names[PAWS] = {"hind left", "hind right", "front left", "front right"};
+    std::array<bool, PAWS> stood = {};
+    const auto poses = steps(GetParam().name);
+    for (std::size_t step = 0; step < poses.size(); ++step) {
+        const auto heights = pawHeights(poses[step]);
+        for (std::size_t paw = 0; paw < PAWS; ++paw) {
+            EXPECT_GE(heights[paw], DEEPEST) << names[paw] << " paw at step " << step;
+            stood[paw] = stood[paw] || heights[paw] < TOUCH;
+        }
+        EXPECT_LE(*std::min_element(heights.begin(), heights.end()), GetParam().highest)
+            << "floats at step " << step;
+    }
+    EXPECT_THAT(stood, testing::Each(true)) << "a paw never comes down";
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Motions, testing::ValuesIn(MOTIONS),
+                         [](const auto &instance) { return std::string(instance.param.name); });
+
+}  // namespace

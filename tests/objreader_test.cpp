@@ -1,0 +1,178 @@
+#include "objreader.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <tuple>
+#include <vector>
+
+#include "recording_gl.h"
+#include "temp_files.h"
+
+namespace {
+
+using testing::ElementsAre;
+constexpr float NEAR = 0.01F;
+
+// A reader that frees its arrays; the game's keeps them until the process ends.
+struct Reader : objReader {
+    explicit Reader(const std::string &content) { load(content); }
+    ~Reader() {
+        free(vertices);
+        free(normals);
+        free(texCoords);
+        free(faces);
+    }
+
+    void load(const std::string &content) { loadObj(Temp_File(content).name()); }
+
+    // Corners 0 to 2 of every triangle as digits: vertices/texture coordinates/normals.
+    std::string triangles() const {
+        std::string text;
+        for (const objFace *f = faces; f != faces + triangleCount; ++f) {
+            text += text.empty() ? "" : " ";
+            for (const int *index : {f->vertex, f->texCoord, f->normal}) {
+                text += index == f->vertex ? "" : "/";
+                for (int corner = 0; corner < 3; ++corner) {
+                    text += std::to_string(index[corner]);
+                }
+            }
+        }
+        return text;
+    }
+};
+
+std::string repeat(const std::string &text, int times, std::string before = "") {
+    while (times-- > 0) {
+        before += text;
+    }
+    return before;
+}
+
+TEST(ObjReader, TurnsFaceLinesIntoTriangles) {
+    const std::string arrays = repeat("v 1 2 3\nvt 0 1\nvn 0 1 0\n", 8);
+    // clang-format off
+    const std::pair<std::string, std::string> cases[] = {
+        {"f 2 3 4", "123/000/000"},
+        {"f 1/4/7 2/5/8 3/6/1", "012/345/670"},
+        {"f 1//4 2//5 3//6", "012/000/345"},
+        {"f 1/4 2/5 3/6", "012/345/000"},
+        {"f 1/2/3 2//4 3/5 4", "012/104/230 023/140/200"},  // forms fall through,
+        {"f 1 2/3/4 3//5", "012/000/000"},                  // but not back
+        {"f 010/0x2/0x3 0x4//0x3 0x5/0x1 01", "734/100/220 740/100/200"},  // octal, hexadecimal
+        {"f 1/1/1 2/2/2 3/3/3 4/4/4", "012/012/012 023/023/023"},
+        {"f 1 2 3 4 5", "012/000/000 023/000/000 034/000/000"},
+        {"g Facets_8\nf 1/2/3 4/5/6 7/8/1", "306/417/520"},
+        {"g Facets_8\nf 1 2 3 4", "102/000/000 203/000/000"},
+        {"g Facets_8\nf 1 2 3\ng other\nf 1 2 3", "102/000/000 012/000/000"},
+        {"g Facets_8 \nf 1 2 3\ng Facets_8\r\nf 1 2 3", "012/000/000 012/000/000"},
+        {"g Facets_8\ng\nf 1 2 3", "102/000/000"},
+        {"f 1  2 3", "011/000/000 012/000/000"},  // after each blank the next number
+        {"f 1 2 3  ", "012/000/000"},
+        {"f 3 2\nf \nf 4 x 5 6", "210/000/000 000/000/000 300/000/000"},
+        {"f\t1 2 3\nfo 1 2 3\n# f 1 2 3", ""},
+        {"f 1 2 9\nf 0 1 2\nf -1 1 2\nf 1/9 2 3\nf 1//9 2//1 3//1\nf 1 2 3 9\nf 3 2 1", "210/000/000"},
+        {"f 1 2 2147483647\nf 1 2 -2147483648\nf 0x80000000 1 2", ""},
+        {repeat(" 2/2/2", 11, "f 1/1/1") + " 3", repeat("011/011/011 ", 10) + "012/010/010"},
+        {repeat(" ", 72, "f 1 2 3") + "f 4 5 6", "012/000/000 345/000/000"},  // a second piece
+    };
+    // clang-format on
+    for (const auto &[lines, triangles] : cases) {
+        EXPECT_EQ(Reader(arrays + lines).triangles(), triangles) << lines;
+        EXPECT_EQ(Reader(lines + "\n" + arrays).triangles(), triangles) << lines << " come first";
+    }
+    EXPECT_EQ(Reader("v 1 2 3\nf 1/5/5 1 1\n").triangles(), "000/400/400")
+        << "indices into arrays that the file lacks";
+}
+
+TEST(ObjReader, ReadsNumbersAfterTheKeyword) {
+    const Reader r(
+        "v 1 2 3\nvt 0.5 0.25 7\nvn1 2 3\nvnx 4 5 6\nv 1e1 abc 3\nvt\t.5\nv\t9 9 9\nvp 1 2\n" +
+        repeat(" ", 78, "v") + "7 8 9\n");
+    EXPECT_EQ(r.getVertexCount(), 3);
+    EXPECT_THAT(std::vector(r.vertices, r.vertices + 9), ElementsAre(1, 2, 3, 10, 0, 0, 0, 0, 0));
+    EXPECT_THAT(std::vector(r.normals, r.normals + 6), ElementsAre(2, 3, 0, 4, 5, 6));
+    EXPECT_THAT(std::vector(r.texCoords, r.texCoords + 6), ElementsAre(.5F, .25F, 0, .5F, 0, 0));
+    for (int length = 1; length < 170; ++length) {
+        const Reader longLine(repeat(" ", length - 1, "#") + "v 1 2 3\n");
+        EXPECT_EQ(longLine.vertexCount, length % 79 == 0) << length << " characters before";
+    }
+}
+
+TEST(ObjReader, WidensTheBoxOutwardAndCentresIt) {
+    const float spans[][4] = {
+        {-2, 4, -2.2F, 4.4F}, {0, 10, 0, 11}, {-10, -5, -11, -4.5F}, {-9000, -8000, -9900, -7200}};
+    for (const auto &[low, high, widenedLow, widenedHigh] : spans) {
+        std::ostringstream file;  // y spans twice and z three times as much as x
+        for (float x : {(low + high) / 2, high, low}) {
+            file << "v " << x << ' ' << 2 * x << ' ' << 3 * x << '\n';
+        }
+        Reader r(file.str());
+        const auto expect = [&r](float min, float max, float vertex) {
+            float b[6];
+            r.getBoundingVolume(&b[0], &b[1], &b[2], &b[3], &b[4], &b[5]);
+            EXPECT_THAT(b, testing::Pointwise(testing::FloatNear(NEAR),
+                                              {min, max, 2 * min, 2 * max, 3 * min, 3 * max}));
+            EXPECT_NEAR(r.vertices[8], 3 * vertex, NEAR);
+        };
+        const float centre = (widenedLow + widenedHigh) / 2;
+        const float half = widenedHigh - centre;
+        expect(widenedLow, widenedHigh, low);
+        r.centerObject();
+        expect(-half, half, low - centre);
+        r.resizeObject();
+        expect(-1.0F / 3, 1.0F / 3, (low - centre) / (3 * half));
+    }
+}
+
+TEST(ObjReader, LastLineWithoutItsEndMakesTheCountsDiffer) {
+    for (const std::string end : {"v ", "vn", "vt"}) {
+        const Reader r("v 1 2 3\nf 1 1 1\n" + end);
+        EXPECT_EQ(r.error, OBJ_COUNTS_DIFFER) << end;
+        EXPECT_EQ(r.maxX, 1) << "the box stays as read";
+        EXPECT_EQ(r.triangles(), "000/000/000") << end;
+    }
+    EXPECT_EQ(Reader("v 1 2 3\nv 4 5 6").error, OBJ_OK) << "long enough without its end";
+    for (const std::string &end : {std::string("f"), std::string("f "), std::string("f\0\n", 3)}) {
+        EXPECT_EQ(Reader("v 1 2 3\n" + end).triangles(), "000/000/000") << "a face without corners";
+    }
+}
+
+TEST(ObjReader, StaysFailed) {
+    recording::reset();
+    Reader r("v 1 2 3\nv 4 5 6\nf 1 1 1\n");
+    r.loadObj("no/such/file");
+    EXPECT_EQ(r.maxZ, -3000);
+    EXPECT_EQ(r.vertices[5], 6) << "the previous model is still there";
+    r.load("v 7 8 9\nf 1 1 1\n");
+    float box = 5;
+    r.getBoundingVolume(&box, &box, &box, &box, &box, &box);
+    r.centerObject();
+    r.displayObj();
+    EXPECT_EQ(r.getError(), OBJ_NOT_OPENED);
+    EXPECT_EQ(r.getVertexCount() + r.getTriangleCount(), 0);
+    EXPECT_EQ(r.vertices[0], 7) << "later loads fill the arrays, and that is all";
+    EXPECT_TRUE(box == 5 && recording::drawings().empty());
+}
+
+TEST(ObjReader, DrawsEveryTriangleWithWhatTheFileHas) {
+    using recording::Point;
+    recording::reset();
+    glNormal3f(1, 0, 0);
+    glTexCoord3f(0.5F, 0.5F, 0);
+    Reader r("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
+    r.displayObj();
+    r.load("v 0 0 0\nv 1 0 0\nv 0 0 1\nvn 0 1 0\nvn 0 0 1\nvt 1 0.75\nf 1/1/1 2/1/2 3/1/2\n");
+    r.displayObj();
+    EXPECT_EQ(recording::drawings().size(), 3U) << "a primitive for each triangle";
+    const auto expect = [](int i, Point position, Point normal, Point texCoord) {
+        const auto vertex = recording::vertices().at(i);
+        EXPECT_EQ(std::tie(vertex.position, vertex.normal, vertex.texCoord),
+                  std::tie(position, normal, texCoord));
+    };
+    expect(5, {0, 1, 0}, {1, 0, 0}, {0.5F, 0.5F, 0});  // with what was current
+    expect(8, {0, 0, 1}, {0, 0, 1}, {1, 0.75F, 0});
+}
+
+}  // namespace

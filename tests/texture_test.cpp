@@ -1,0 +1,141 @@
+#include "texture.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <climits>
+#include <numeric>
+
+#include "assets.h"
+#include "game_test.h"
+#include "temp_files.h"
+
+namespace {
+
+class Assets : public Game_Test {
+protected:
+    Assets() { texture_back = 0; }
+    ~Assets() override {
+        EXPECT_TRUE(recording::faults().empty());
+        o.error = OBJ_OK;
+    }
+};
+
+struct Picture {
+    int width = 2, height = 2, planes = 1, bitsPerPixel = 24;
+    std::size_t bytes = 12;  // of pixels: 0, 1, 2, ...
+
+    // Fields that are not looked at hold nonsense.
+    std::string file() const {
+        std::string text(54 + bytes, '?');
+        std::iota(text.begin() + 54, text.end(), 0);
+        const auto put = [&text](std::size_t at, int number, int size) {
+            for (int i = 0; i < size; ++i) {
+                text[at + i] = static_cast<char>(number >> (8 * i));
+            }
+        };
+        put(18, width, 4);
+        put(22, height, 4);
+        put(26, planes, 2);
+        put(28, bitsPerPixel, 2);
+        return text;
+    }
+};
+
+// That the process has ever had, KiB.
+long mostMemory() {
+    rusage used;
+    getrusage(RUSAGE_SELF, &used);
+    return used.ru_maxrss;
+}
+
+TEST_F(Assets, PicturesLoadAsRedGreenBlue) {
+    // Widths of 3 and 1 too: their rows are packed, and OpenGL must find the last one whole.
+    for (int width : {64, 3, 1}) {
+        const Temp_File file(Picture{.width = width, .bytes = 6U * width}.file());
+        const int name = LoadBitmap(file.name());
+        EXPECT_EQ(static_cast<unsigned>(name), num_texture);
+        EXPECT_EQ(recording::state().texture, num_texture) << "left bound";
+        const recording::Texture &loaded = recording::textures().at(num_texture);
+        EXPECT_EQ(std::pair(loaded.width, loaded.height), std::pair(width, 2));
+        EXPECT_EQ(std::vector(loaded.pixels.begin(), loaded.pixels.begin() + 3),
+                  (std::vector<unsigned char>{2, 1, 0}));
+        EXPECT_TRUE(loaded.mipmaps && loaded.minFilter == GL_LINEAR_MIPMAP_NEAREST &&
+                    loaded.magFilter == GL_LINEAR && loaded.wrapS == GL_REPEAT);
+    }
+}
+
+TEST_F(Assets, BadPicturesLeaveALineAndNoTexture) {
+    const std::string unreadable = "Error reading image data from FILE.\n";
+    const std::string tooBig = "Error allocating memory for color-corrected image data\n";
+    const std::pair<Picture, std::string> cases[] = {
+        {{.planes = 2, .bitsPerPixel = 8}, "Planes from FILE is not 1: 2\n"},
+        {{.planes = 65535}, "Planes from FILE is not 1: 65535\n"},
+        {{.bitsPerPixel = 8}, "Bpp from FILE is not 24: 8\n"},
+        {{.bytes = 11}, unreadable},
+        {{.width = 0}, unreadable},
+        {{.height = 0}, unreadable},
+        {{.height = -2}, tooBig},
+        {{.width = INT_MAX, .height = INT_MAX}, tooBig},
+        {{.width = INT_MIN, .height = INT_MAX}, tooBig},
+        {{.width = 1 << 14, .height = 1 << 14}, unreadable},
+    };
+    const long memory = mostMemory();
+    for (const auto &[picture, line] : cases) {
+        const Temp_File file(picture.file());
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(LoadBitmap(file.name()), 0) << line;
+        std::string printed = testing::internal::GetCapturedStdout();
+        if (const auto at = printed.find(file.name()); at != std::string::npos) {
+            printed.replace(at, std::string(file.name()).size(), "FILE");
+        }
+        EXPECT_EQ(printed, line);
+    }
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(LoadBitmap("no/such/file"), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    testing::internal::CaptureStdout();
+    for (std::size_t length : {0, 20, 27, 28, 40, 54}) {
+        const Temp_File file(Picture().file().substr(0, length));
+        EXPECT_EQ(LoadBitmap(file.name()), 0) << "cut after " << length << " bytes";
+    }
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 6) << "a line each";
+    EXPECT_TRUE(recording::textures().empty());
+    EXPECT_LT(mostMemory() - memory, 200 * 1024) << "touched for pixels that never came";
+}
+
+TEST_F(Assets, ModelsTakeTheirSlotsInOrder) {
+    const Temp_File picture(Picture().file());
+    const Temp_File model("v 0 0 0\nv 10 0 0\nv 0 10 0\nf 1 2 3\n");
+    unsigned first = 0;
+    unsigned last = 77;
+    loadModel(OBJ_MODEL, model.name(), picture.name(), first);
+    loadModel(TEXTURE_ONLY, model.name(), picture.name(), last);
+    EXPECT_EQ(std::pair(last, texture_back), std::pair(77U, 2U)) << "no list for a texture alone";
+    texture_back = TEXTURE_SLOTS;
+    loadModel(OBJ_MODEL, model.name(), picture.name(), last);
+    EXPECT_EQ(texture_back, TEXTURE_SLOTS);
+    EXPECT_TRUE(recording::drawings().empty()) << "compiled, not drawn";
+    glBindTexture(GL_TEXTURE_2D, texture[1]);
+    glCallList(last);
+    glCallList(first);
+    ASSERT_EQ(recording::vertices().size(), 6U);
+    EXPECT_EQ(recording::drawings()[0].state.texture, texture[1]) << "a full table binds nothing";
+    EXPECT_EQ(recording::drawings()[1].state.texture, texture[0]);
+    EXPECT_EQ(recording::vertices()[4].position, (recording::Point{4.5F, -5.5F, 0})) << "centred";
+}
+
+TEST_F(Assets, AMissingModelEmptiesEveryLaterOne) {
+    const Temp_File model("v 0 0 0\nf 1 1 1\n");
+    for (const char *name : {model.name(), "no/such/file", model.name()}) {
+        unsigned list = 0;
+        loadModel(OBJ_MODEL, name, "no/such/file", list);
+        EXPECT_EQ(texture[texture_back - 1], ~0U);
+        EXPECT_NE(list, 0U);
+        glCallList(list);
+    }
+    EXPECT_EQ(recording::drawings().size(), 1U) << "only the first model draws";
+}
+
+}  // namespace
