@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Plays a round of the real program with real key events and checks what it left behind. The
+# tour itself fails where a text does not appear on the screen, or on an exit status.
+#
+# Usage: played_round.sh TOUR PROGRAM DATA_FOLDER PICTURE_FOLDER
+set -euo pipefail
+tour=$1 program=$2 data=$3 pictures=$4
+
+output=$("$tour" "$program" "$data" "$pictures")
+printf '%s\n' "$output"
+
+fail() {
+    printf 'look at %s: %s\n' "$pictures" "$1" >&2
+    exit 1
+}
+
+if grep -E 'Error|Planes|Bpp' <<<"$output"; then
+    fail "the game could not read one of its files"
+fi
+
+# difference A B: root mean square over all pixels, 0 to 1.
+difference() {
+    compare -metric RMSE "$1" "$2" null: 2>&1 | sed 's/.*(\(.*\))/\1/' || true
+}
+
+exceeds() {
+    awk -v a="$1" -v b="$2" 'BEGIN {exit !(a > b)}'
+}
+
+cd "$pictures"
+previous=
+for picture in [0-9][0-9]-*.png; do
+    if [ -n "$previous" ] && ! exceeds "$(difference "$previous" "$picture")" 0.005; then
+        fail "$picture shows the same as $previous"
+    fi
+    previous=$picture
+done
+exceeds 0.02 "$(difference 01-title.png ./*-title-again.png)" ||
+    fail "the title looks different after the game"
