@@ -7,8 +7,6 @@
 #include <array>
 #include <cmath>
 #include <fstream>
-#include <limits>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -24,7 +22,6 @@ constexpr float SNAP = 0.5F;       // degrees that no joint may jump between two
 constexpr std::size_t LONGEST = 10000;
 
 constexpr std::size_t PAWS = 4;
-constexpr std::size_t TOES = 3;
 // The paws' first toes among the ellipsoids of a drawing: hind left and right, front
 // left and right.
 constexpr std::array<std::size_t, PAWS> FIRST_TOES = {5, 10, 16, 20};
@@ -35,10 +32,6 @@ struct Motion {
     std::size_t longest;  // steps until it reports its end: a battle message stays for 60
     double highest;       // model units to which the lowest paw may rise
 };
-
-void PrintTo(const Motion &motion, std::ostream *out) {
-    *out << motion.name;
-}
 
 // clang-format off
 const Motion MOTIONS[] = {
@@ -101,70 +94,55 @@ std::array<double, PAWS> pawHeights(const Params &pose) {
     const auto ellipsoids = recording::drawings(recording::SHAPE);
     std::array<double, PAWS> heights;
     for (std::size_t paw = 0; paw < PAWS; ++paw) {
-        heights[paw] = std::numeric_limits<double>::max();
-        for (std::size_t toe = 0; toe < TOES; ++toe) {
-            heights[paw] =
-                std::min(heights[paw], lowestPoint(ellipsoids.at(FIRST_TOES[paw] + toe)));
-        }
+        const auto *const toes = &ellipsoids.at(FIRST_TOES[paw]);
+        heights[paw] = std::min({lowestPoint(toes[0]), lowestPoint(toes[1]), lowestPoint(toes[2])});
     }
     return heights;
 }
 
-// A full turn ends where it began.
-float apart(float a, float b) {
-    return std::abs(std::remainder(a - b, 360.0F));
-}
-
+// The most that a joint differs; a full turn ends where it began.
 float apart(const KeyFrame &a, const KeyFrame &b) {
     float most = 0;
     for (int i = 0; i < POSE_VALUES; ++i) {
-        most = std::max(most, apart(a.pose[i], b.pose[i]));
+        most = std::max(most, std::abs(std::remainder(a.pose[i] - b.pose[i], 360.0F)));
     }
     return most;
 }
 
-class Motions : public testing::TestWithParam<Motion> {};
-
-TEST_P(Motions, KeysRiseFromFrameZero) {
-    const auto all = keys(GetParam().name);
-    ASSERT_GE(all.size(), 2U);
-    EXPECT_EQ(all.front().frame, 0U);
-    for (std::size_t i = 1; i < all.size(); ++i) {
-        EXPECT_GT(all[i].frame, all[i - 1].frame) << "key " << i;
-    }
-}
-
-TEST_P(Motions, BeginsAndEndsWithoutASnap) {
-    const auto all = keys(GetParam().name);
-    EXPECT_LT(apart(all.front(), all.back()), GetParam().loops ? 1e-6F : SNAP);
-    if (!GetParam().loops) {
-        EXPECT_LT(apart(all.front(), keys("stay").front()), SNAP);
-    }
-}
-
-TEST_P(Motions, EndsInTime) {
-    const auto poses = steps(GetParam().name);
-    EXPECT_LE(poses.size(), GetParam().longest);
-    EXPECT_LT(poses.size(), LONGEST) << "never ends";
-}
-
-TEST_P(Motions, PawsStandOnTheGroundAndNotInIt) {
-    const char *const names[PAWS] = {"hind left", "hind right", "front left", "front right"};
-    std::array<bool, PAWS> stood = {};
-    const auto poses = steps(GetParam().name);
-    for (std::size_t step = 0; step < poses.size(); ++step) {
-        const auto heights = pawHeights(poses[step]);
-        for (std::size_t paw = 0; paw < PAWS; ++paw) {
-            EXPECT_GE(heights[paw], DEEPEST) << names[paw] << " paw at step " << step;
-            stood[paw] = stood[paw] || heights[paw] < TOUCH;
+TEST(Motions, KeysRiseFromFrameZeroAndJoinWithoutASnap) {
+    for (const Motion &motion : MOTIONS) {
+        SCOPED_TRACE(motion.name);
+        const auto all = keys(motion.name);
+        ASSERT_GE(all.size(), 2U);
+        EXPECT_EQ(all.front().frame, 0U);
+        for (std::size_t i = 1; i < all.size(); ++i) {
+            EXPECT_GT(all[i].frame, all[i - 1].frame) << "key " << i;
         }
-        EXPECT_LE(*std::min_element(heights.begin(), heights.end()), GetParam().highest)
-            << "floats at step " << step;
+        EXPECT_LT(apart(all.front(), all.back()), motion.loops ? 1e-6F : SNAP);
+        if (!motion.loops) {
+            EXPECT_LT(apart(all.front(), keys("stay").front()), SNAP);
+        }
     }
-    EXPECT_THAT(stood, testing::Each(true)) << "a paw never comes down";
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Motions, testing::ValuesIn(MOTIONS),
-                         [](const auto &instance) { return std::string(instance.param.name); });
+TEST(Motions, EndInTimeAndStandOnTheGroundNotInIt) {
+    for (const Motion &motion : MOTIONS) {
+        SCOPED_TRACE(motion.name);
+        const auto poses = steps(motion.name);
+        EXPECT_LE(poses.size(), motion.longest);
+        EXPECT_LT(poses.size(), LONGEST) << "never ends";
+        std::array<bool, PAWS> stood = {};
+        for (std::size_t step = 0; step < poses.size(); ++step) {
+            const auto heights = pawHeights(poses[step]);
+            for (std::size_t paw = 0; paw < PAWS; ++paw) {
+                EXPECT_GE(heights[paw], DEEPEST) << "paw " << paw << " at step " << step;
+                stood[paw] = stood[paw] || heights[paw] < TOUCH;
+            }
+            EXPECT_LE(*std::min_element(heights.begin(), heights.end()), motion.highest)
+                << "floats at step " << step;
+        }
+        EXPECT_THAT(stood, testing::Each(true)) << "a paw never comes down";
+    }
+}
 
 }  // namespace
