@@ -44,12 +44,3 @@ constinit int action = STANDING;
 constinit Params marked_params = {};
 constinit Params enemy_params = {};
 constinit float matrix[4][4] = {};
-
-constinit float sun_ambient[4] = {0.2F, 0.2F, 0.2F, 1};
-constinit float sun_diffuse[4] = {0.6F, 0.6F, 0.7F, 1};
-constinit float sun_specular[4] = {1, 1, 1, 1};
-constinit float sun_position[4] = {-45, 40, 40, 1};
-constinit float fill_ambient[4] = {0, 0, 0, 1};
-constinit float fill_diffuse[4] = {0.1F, 0.1F, 0, 1};
-constinit float fill_specular[4] = {1, 1, 1, 1};
-constinit float fill_position[4] = {50, 4, -15, 1};

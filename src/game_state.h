@@ -82,14 +82,3 @@ extern int action;            // Action of the player in the town; written by ke
 extern Params marked_params;  // the player's pose; written by the update
 extern Params enemy_params;   // the enemy's pose; written by the update
 extern float matrix[4][4];    // planar shadow matrix, column-major; rebuilt every frame
-
-// --- Lights: red, green, blue, alpha or x, y, z, w; never written -------------------
-
-extern float sun_ambient[4];
-extern float sun_diffuse[4];
-extern float sun_specular[4];
-extern float sun_position[4];  // also casts the planar shadows
-extern float fill_ambient[4];
-extern float fill_diffuse[4];
-extern float fill_specular[4];
-extern float fill_position[4];

@@ -9,6 +9,7 @@
 #include "game_objects.h"
 #include "game_state.h"
 #include "input.h"
+#include "lights.h"
 #include "rendering.h"
 #include "scene_collision.h"
 #include "update.h"
@@ -32,18 +33,8 @@ void init() {
 
     glClearColor(0, 0, 0, 0);
     glShadeModel(GL_SMOOTH);
-    glEnable(GL_LIGHTING);
     // Given while the modelview matrix is the identity: the lights stay in the world.
-    glLightfv(GL_LIGHT0, GL_AMBIENT, sun_ambient);
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, sun_diffuse);
-    glLightfv(GL_LIGHT0, GL_SPECULAR, sun_specular);
-    glLightfv(GL_LIGHT0, GL_POSITION, sun_position);
-    glEnable(GL_LIGHT0);
-    glLightfv(GL_LIGHT1, GL_AMBIENT, fill_ambient);
-    glLightfv(GL_LIGHT1, GL_DIFFUSE, fill_diffuse);
-    glLightfv(GL_LIGHT1, GL_SPECULAR, fill_specular);
-    glLightfv(GL_LIGHT1, GL_POSITION, fill_position);
-    glEnable(GL_LIGHT1);
+    setLights();
     glEnable(GL_DEPTH_TEST);
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_NORMALIZE);

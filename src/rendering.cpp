@@ -9,6 +9,7 @@
 #include "game_state.h"
 #include "intro_cube.h"
 #include "landscape.h"
+#include "lights.h"
 #include "menus.h"
 #include "overlay.h"
 #include "people.h"

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "camera.h"
-#include "game_state.h"
+#include "lights.h"
 #include "overlay.h"
 #include "rendering.h"
 
@@ -80,20 +80,6 @@ void mouseDragged(int x, int y) {
     turn(-MOUSE_TURN * static_cast<float>(x - lastX), MOUSE_TURN * static_cast<float>(y - lastY));
     lastX = x;
     lastY = y;
-}
-
-void setLights() {
-    glEnable(GL_LIGHTING);
-    glLightfv(GL_LIGHT0, GL_AMBIENT, sun_ambient);
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, sun_diffuse);
-    glLightfv(GL_LIGHT0, GL_SPECULAR, sun_specular);
-    glLightfv(GL_LIGHT0, GL_POSITION, sun_position);
-    glEnable(GL_LIGHT0);
-    glLightfv(GL_LIGHT1, GL_AMBIENT, fill_ambient);
-    glLightfv(GL_LIGHT1, GL_DIFFUSE, fill_diffuse);
-    glLightfv(GL_LIGHT1, GL_SPECULAR, fill_specular);
-    glLightfv(GL_LIGHT1, GL_POSITION, fill_position);
-    glEnable(GL_LIGHT1);
 }
 
 void floorQuad(float minX, float minZ, float size) {
