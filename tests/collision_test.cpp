@@ -76,7 +76,8 @@ TEST_F(Scene, HousesStandInSixRowsAndBurnByTheRandomStream) {
     srand(5);
     for (unsigned k = 0; k < house_back; ++k) {
         const float x = X[k % 18];
-        const float z = 60 - 22 * static_cast<float>(k / 18);
+        const unsigned row = k / 18;
+        const float z = 60 - 22 * static_cast<float>(row);
         EXPECT_EQ(std::pair(house_x[k], house_z[k]), std::pair(x, z)) << "house " << k;
         EXPECT_EQ(size_fire[k], k % 3 == 2 ? static_cast<float>(rand() % 256) / 128 : 0)
             << "house " << k;

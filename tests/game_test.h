@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <sstream>
 #include <string>
@@ -11,6 +12,12 @@
 #include "game_state.h"
 #include "recording_gl.h"
 #include "scene_collision.h"
+
+// Eye, centre and up of a camera in a row.
+inline std::array<float, 9> viewOf(const Camera &c) {
+    return {c.eye[0],    c.eye[1], c.eye[2], c.center[0], c.center[1],
+            c.center[2], c.up[0],  c.up[1],  c.up[2]};
+}
 
 // Starts every test with a fresh game and says which of its plain globals change.
 class Game_Test : public testing::Test {
