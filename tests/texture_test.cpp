@@ -52,7 +52,7 @@ long mostMemory() {
 TEST_F(Assets, PicturesLoadAsRedGreenBlue) {
     // Widths of 3 and 1 too: their rows are packed, and OpenGL must find the last one whole.
     for (int width : {64, 3, 1}) {
-        const Temp_File file(Picture{.width = width, .bytes = 6U * width}.file());
+        const Temp_File file(Picture{.width = width, .bytes = std::size_t{6} * width}.file());
         const int name = LoadBitmap(file.name());
         EXPECT_EQ(static_cast<unsigned>(name), num_texture);
         EXPECT_EQ(recording::state().texture, num_texture) << "left bound";
