@@ -44,11 +44,12 @@ build() {
     local preset=$1
     shift
     say "building ($preset)"
-    (cd "$root" && cmake --preset "$preset" "$@" >"$root/build-$preset.log" 2>&1) || {
-        cat "$root/build-$preset.log"
+    local log=$root/build/$preset.log
+    mkdir -p "$root/build"
+    (cd "$root" && cmake --preset "$preset" "$@" >"$log" 2>&1) || {
+        cat "$log"
         fail "cmake could not configure, see above"
     }
-    rm -f "$root/build-$preset.log"
     (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)") ||
         fail "the build failed, see above"
 }

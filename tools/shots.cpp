@@ -2,7 +2,8 @@
 // look at when the art has changed. Runs in the data folder, on a display.
 //
 // Usage: shots PICTURE_FOLDER [NAME_PART]
-// With NAME_PART only the shots whose names contain it.
+// With NAME_PART only the places whose names contain it; title, walk, talk and battle each
+// stand for all pictures of that kind.
 
 #include <GL/glut.h>
 
@@ -142,9 +143,7 @@ void shootTitle() {
         save(face);
         press('n');
         runFrames(60);
-        if (isWanted("title-turn") && (option == 1 || option == 3)) {
-            save(std::string("title-turn-") + static_cast<char>('0' + option));
-        }
+        save(std::string(face) + "-turning");
         runFrames(121);
     }
 }
@@ -175,13 +174,13 @@ void shootTalk() {
 void shootMove(const std::string &name, int cursor) {
     Fight_status = cursor;
     press(13);
+    int shown = 0;
     for (const int frame : {10, 20, 30, 45}) {
-        const int since = frame == 10 ? 0 : frame == 45 ? 30 : frame - 10;
-        runFrames(frame - since);
+        runFrames(frame - shown);
+        shown = frame;
         save("battle-" + name + "-" + std::to_string(frame));
     }
-    runFrames(20);
-    runFrames(25);
+    runFrames(45);
     save("battle-" + name + "-answered");
     runFrames(60);
 }
