@@ -79,10 +79,11 @@ std::vector<Params> steps(const std::string &name) {
     return poses;
 }
 
-// The lowest point of an ellipsoid drawn as a scaled unit sphere.
+// The lowest point of an ellipsoid, from its centre and the ends of its semi-axes.
 double lowestPoint(const recording::Drawing &sphere) {
-    const auto &m = sphere.state.modelview;
-    return m[13] - std::hypot(m[1], m[5], m[9]);
+    const auto &v = sphere.vertices;
+    const auto rise = [&v](std::size_t i) { return v[i].position[1] - v[0].position[1]; };
+    return v[0].position[1] - std::hypot(rise(1), rise(2), rise(3));
 }
 
 // The lowest points of the four paws in a pose.

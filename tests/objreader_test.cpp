@@ -156,23 +156,4 @@ TEST(ObjReader, StaysFailed) {
     EXPECT_TRUE(box == 5 && recording::drawings().empty());
 }
 
-TEST(ObjReader, DrawsEveryTriangleWithWhatTheFileHas) {
-    using recording::Point;
-    recording::reset();
-    glNormal3f(1, 0, 0);
-    glTexCoord3f(0.5F, 0.5F, 0);
-    Reader r("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n");
-    r.displayObj();
-    r.load("v 0 0 0\nv 1 0 0\nv 0 0 1\nvn 0 1 0\nvn 0 0 1\nvt 1 0.75\nf 1/1/1 2/1/2 3/1/2\n");
-    r.displayObj();
-    EXPECT_EQ(recording::drawings().size(), 3U) << "a primitive for each triangle";
-    const auto expect = [](int i, Point position, Point normal, Point texCoord) {
-        const auto vertex = recording::vertices().at(i);
-        EXPECT_EQ(std::tie(vertex.position, vertex.normal, vertex.texCoord),
-                  std::tie(position, normal, texCoord));
-    };
-    expect(5, {0, 1, 0}, {1, 0, 0}, {0.5F, 0.5F, 0});  // with what was current
-    expect(8, {0, 0, 1}, {0, 0, 1}, {1, 0.75F, 0});
-}
-
 }  // namespace

@@ -1,27 +1,50 @@
 #include "recording_gl.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/gtc/type_ptr.hpp>
 #include <utility>
 
 namespace recording {
 namespace {
 
-using Vector = std::array<double, 3>;
+using Names = std::map<GLenum, Name>;
 
 constexpr std::size_t STACK_DEPTH = 32;
 
+// clang-format off
+const std::map<GLenum, Capability> CAPABILITY = {
+    {GL_TEXTURE_2D, TEXTURING}, {GL_LIGHTING, LIGHTING}, {GL_BLEND, BLENDING},
+    {GL_DEPTH_TEST, DEPTH_TEST}, {GL_STENCIL_TEST, STENCIL_TEST},
+    {GL_COLOR_MATERIAL, COLOR_MATERIAL}, {GL_NORMALIZE, NORMALIZE}, {GL_LIGHT0, LIGHT0},
+    {GL_LIGHT1, LIGHT1}};
+const std::map<GLenum, Light_Value> LIGHT_VALUE = {
+    {GL_AMBIENT, AMBIENT}, {GL_DIFFUSE, DIFFUSE}, {GL_SPECULAR, SPECULAR}, {GL_POSITION, POSITION}};
+const Names PRIMITIVES = {
+    {GL_TRIANGLES, "triangles"}, {GL_QUADS, "quads"}, {GL_POLYGON, "polygon"}};
+const Names BLEND_FACTORS = {
+    {GL_ZERO, "zero"}, {GL_ONE, "one"}, {GL_SRC_ALPHA, "alpha"}, {GL_DST_COLOR, "picture"}};
+const Names STENCIL_FUNCTIONS = {{GL_ALWAYS, "always"}, {GL_EQUAL, "equal"}};
+const Names STENCIL_OPERATIONS = {{GL_KEEP, "keep"}, {GL_ZERO, "zero"}, {GL_REPLACE, "replace"}};
+const Names SHADE_MODELS = {{GL_SMOOTH, "smooth"}, {GL_FLAT, "flat"}};
+const Names ENVIRONMENTS = {{GL_MODULATE, "modulate"}, {GL_REPLACE, "replace"}};
+const Names WRAP_MODES = {{GL_REPEAT, "repeat"}, {GL_CLAMP_TO_EDGE, "clamp"}};
+const Names FILTERS = {{GL_NEAREST, "nearest"}, {GL_LINEAR, "linear"},
+                       {GL_LINEAR_MIPMAP_NEAREST, "linear of nearest mipmap"}};
+// clang-format on
+
 struct Context {
     State state;
-    std::vector<Matrix> modelviews;  // pushed, below the current one
-    std::vector<Matrix> projections;
+    std::map<GLenum, std::vector<glm::dmat4>> stacks;  // pushed, below the current one
     std::vector<Drawing> drawings;
     std::map<unsigned, Texture> textures;
     std::map<unsigned, std::vector<std::function<void()>>> lists;
     unsigned compiling = 0;
     unsigned calling = 0;
     bool begun = false;
-    Drawing raster = {};       // colour and place at glRasterPos
+    Vertex raster = {};        // colour and place at glRasterPos
     bool rasterDrawn = false;  // the last drawing is a text from there
     Window window;
     std::function<void()> script;
@@ -31,11 +54,20 @@ struct Context {
 
 Context context;
 State &now = context.state;
+std::uint64_t randomState = 1;
 
-void check(bool right, const char *call, const char *fault) {
+void check(bool right, Name call, Name fault) {
     if (!right) {
         context.faults.push_back(std::string(call) + ": " + fault);
     }
+}
+
+// What the table gives for the enumerator, or a misuse.
+template <typename Table>
+typename Table::mapped_type known(Name call, const Table &table, GLenum value) {
+    const auto found = table.find(value);
+    check(found != table.end(), call, "unknown enumerator");
+    return found == table.end() ? table.begin()->second : found->second;
 }
 
 // Runs the call, or compiles it into the open display list.
@@ -50,100 +82,62 @@ void run(const Call &call) {
 
 // The same for a call that is not allowed between glBegin and glEnd.
 template <typename Call>
-void runOutside(const char *name, const Call &call) {
+void runOutside(Name name, const Call &call) {
     run([=] {
         check(!context.begun, name, "between glBegin and glEnd");
         call();
     });
 }
 
-Matrix product(const Matrix &a, const Matrix &b) {
-    Matrix result = {};
-    for (std::size_t i = 0; i < 16; ++i) {
-        for (std::size_t k = 0; k < 4; ++k) {
-            result[i] += a[4 * k + i % 4] * b[i / 4 * 4 + k];
-        }
+// By the inverse transpose. A shadow's matrix has none: its normals count for nothing.
+glm::vec3 worldNormal() {
+    const glm::dmat3 m(now.modelview);
+    if (glm::determinant(m) == 0 || now.normal == glm::vec3(0)) {
+        return glm::vec3(0);
     }
-    return result;
+    return glm::normalize(glm::transpose(glm::inverse(m)) * glm::dvec3(now.normal));
 }
 
-Colour times(const Matrix &m, const Colour &p) {
-    double sum[4] = {};
-    for (std::size_t i = 0; i < 16; ++i) {
-        sum[i % 4] += m[i] * p[i / 4];
-    }
-    Colour result;
-    std::transform(sum, sum + 4, result.begin(), [](double d) { return static_cast<float>(d); });
-    return result;
+Vertex vertexAt(const glm::vec3 &p) {
+    return {transform(now.modelview, p), worldNormal(), now.colour, now.texCoord};
 }
 
-Vector cross(const Vector &a, const Vector &b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vector unit(const Vector &v) {
-    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    return length > 0 ? Vector{v[0] / length, v[1] / length, v[2] / length} : v;
-}
-
-// By the inverse transpose, whose columns are the cross products of the matrix's own
-// but for a factor with the sign of the determinant.
-Point worldNormal() {
-    const Matrix &m = now.modelview;
-    const Vector columns[3] = {{m[0], m[1], m[2]}, {m[4], m[5], m[6]}, {m[8], m[9], m[10]}};
-    Vector sum = {};
-    double determinant = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const Vector column = cross(columns[(i + 1) % 3], columns[(i + 2) % 3]);
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            sum[axis] += column[axis] * now.normal[i];
-            determinant += column[axis] * columns[i][axis];
-        }
-    }
-    sum = unit(sum);
-    const double sign = determinant < 0 ? -1 : 1;
-    return {static_cast<float>(sign * sum[0]), static_cast<float>(sign * sum[1]),
-            static_cast<float>(sign * sum[2])};
-}
-
-Vertex vertexAt(float x, float y, float z) {
-    return {transform(now.modelview, {x, y, z}), worldNormal(), now.colour, now.texCoord};
-}
-
-Drawing &draw(Kind kind, GLenum mode, const char *name = "", double size = 0, int slices = 0,
-              int stacks = 0) {
+Drawing &draw(Kind kind, const std::string &name, std::vector<Vertex> vertices = {}) {
     context.rasterDrawn = false;
     return context.drawings.emplace_back(
-        Drawing{kind, mode, now, context.calling, {}, name, size, slices, stacks, nullptr});
+        Drawing{kind, name, now, context.calling, std::move(vertices)});
 }
 
-Matrix &currentMatrix() {
+void drawShape(const std::string &name, double size) {
+    runOutside("a shape", [=] {
+        const auto r = static_cast<float>(size);
+        draw(SHAPE, name,
+             {vertexAt({0, 0, 0}), vertexAt({r, 0, 0}), vertexAt({0, r, 0}), vertexAt({0, 0, r})});
+    });
+}
+
+glm::dmat4 &currentMatrix() {
     return now.matrixMode == GL_PROJECTION ? now.projection : now.modelview;
 }
 
-std::vector<Matrix> &currentStack() {
-    return now.matrixMode == GL_PROJECTION ? context.projections : context.modelviews;
+void multiply(const glm::dmat4 &m) {
+    runOutside("a matrix", [m] { currentMatrix() *= m; });
 }
 
-void multiply(const char *name, const Matrix &m) {
-    runOutside(name, [m] { currentMatrix() = product(currentMatrix(), m); });
+void enable(GLenum capability, bool on) {
+    runOutside("glEnable", [=] { now.on[known("glEnable", CAPABILITY, capability)] = on; });
 }
 
-void enable(const char *name, GLenum capability, bool on) {
-    static const std::map<GLenum, bool *> CAPABILITIES = {
-        {GL_TEXTURE_2D, &now.texturing},     {GL_LIGHTING, &now.lighting},
-        {GL_BLEND, &now.blending},           {GL_DEPTH_TEST, &now.depthTest},
-        {GL_STENCIL_TEST, &now.stencilTest}, {GL_COLOR_MATERIAL, &now.colorMaterial},
-        {GL_NORMALIZE, &now.normalize},      {GL_LIGHT0, &now.lights[0].on},
-        {GL_LIGHT1, &now.lights[1].on},
-    };
-    runOutside(name, [=] { *CAPABILITIES.at(capability) = on; });
+Texture &boundTexture(GLenum target) {
+    check(target == GL_TEXTURE_2D, "a texture", "wrong target");
+    return context.textures[now.texture];
 }
 
 // Rows start at multiples of 4 bytes, as OpenGL unpacks them.
-void upload(int width, int height, GLenum format, GLenum type, const void *data, bool mipmaps) {
-    check(format == GL_RGB && type == GL_UNSIGNED_BYTE, "upload", "not of RGB bytes");
-    Texture &t = context.textures[now.texture];
+void upload(Texture &t, int components, int width, int height, GLenum format, GLenum type,
+            const void *data, bool mipmaps) {
+    check(components == 3 && format == GL_RGB && type == GL_UNSIGNED_BYTE, "an upload",
+          "not of RGB bytes");
     t.width = width;
     t.height = height;
     t.mipmaps = mipmaps;
@@ -153,27 +147,6 @@ void upload(int width, int height, GLenum format, GLenum type, const void *data,
     for (int y = 0; y < height; ++y, row += (bytes + 3) / 4 * 4) {
         t.pixels.insert(t.pixels.end(), row, row + bytes);
     }
-}
-
-template <typename Values>
-void addAll(Digest &digest, const Values &values) {
-    for (const auto value : values) {
-        digest.add(double{value});
-    }
-}
-
-void addState(Digest &digest, const State &s) {
-    const auto when = [](bool on, std::int64_t value) { return on ? value : -1; };
-    for (const std::int64_t value :
-         {when(s.texturing, s.texture), when(s.texturing, s.wrapS), when(s.texturing, s.wrapT),
-          when(s.lighting, s.shading), when(s.lighting && s.normalize, 1),
-          when(s.lighting && s.colorMaterial, 1), when(s.texturing, s.environment),
-          when(s.depthTest, 1), when(s.blending, s.blendSource),
-          when(s.blending, s.blendDestination), when(s.stencilTest, s.stencilFunction),
-          when(s.stencilTest, s.stencilReference), when(s.stencilTest, s.stencilOperations[2])}) {
-        digest.add(value);
-    }
-    addAll(digest, s.projection);
 }
 
 }  // namespace
@@ -196,25 +169,26 @@ std::vector<Drawing> drawings(Kind kind) {
     return result;
 }
 
-std::vector<Vertex> vertices() {
-    std::vector<Vertex> result;
-    for (const Drawing &primitive : drawings(PRIMITIVE)) {
-        result.insert(result.end(), primitive.vertices.begin(), primitive.vertices.end());
+std::vector<std::string> faults() {
+    auto all = context.faults;
+    if (context.begun) {
+        all.emplace_back("glBegin: no glEnd");
     }
-    return result;
-}
-
-bool stacksBalanced() {
-    return context.modelviews.empty() && context.projections.empty() && !context.begun;
+    for (const auto &[mode, stack] : context.stacks) {
+        if (!stack.empty()) {
+            all.emplace_back("glPushMatrix: no glPopMatrix");
+        }
+    }
+    return all;
 }
 
 void onMainLoop(std::function<void()> script) {
     context.script = std::move(script);
 }
 
-Point transform(const Matrix &matrix, const Point &point) {
-    const Colour p = times(matrix, {point[0], point[1], point[2], 1});
-    return {p[0] / p[3], p[1] / p[3], p[2] / p[3]};
+glm::vec3 transform(const glm::dmat4 &matrix, const glm::vec3 &point) {
+    const glm::dvec4 p = matrix * glm::dvec4(point, 1);
+    return glm::dvec3(p) / p.w;
 }
 
 // clang-format off
@@ -223,42 +197,7 @@ const std::vector<Drawing> &drawings() { return context.drawings; }
 const std::map<unsigned, Texture> &textures() { return context.textures; }
 const Window &window() { return context.window; }
 int redisplays() { return context.redisplays; }
-const std::vector<std::string> &faults() { return context.faults; }
 // clang-format on
-
-void Digest::add(std::int64_t whole) {
-    value = (value ^ static_cast<std::uint64_t>(whole)) * 0x100000001b3;
-    value ^= value >> 29U;
-}
-
-void Digest::add(double fraction) {
-    // The offset keeps round numbers away from the edges of rounding.
-    add(static_cast<std::int64_t>(std::floor(fraction * 1000 + 0.237)));
-}
-
-std::uint64_t digest() {
-    Digest result;
-    for (const Drawing &drawing : context.drawings) {
-        result.add(std::int64_t{drawing.kind});
-        result.add(std::int64_t{drawing.mode});
-        addState(result, drawing.state);
-        for (const Vertex &vertex : drawing.vertices) {
-            addAll(result, vertex.position);
-            addAll(result, vertex.colour);
-            addAll(result, drawing.state.lighting ? vertex.normal : Point{});
-            addAll(result, drawing.state.texturing ? vertex.texCoord : Point{});
-        }
-        for (const char c : drawing.name) {
-            result.add(std::int64_t{c});
-        }
-        if (drawing.kind == SHAPE) {
-            result.add(drawing.size);
-            addAll(result, drawing.state.modelview);
-            addAll(result, drawing.state.colour);
-        }
-    }
-    return result.value;
-}
 
 }  // namespace recording
 
@@ -266,10 +205,21 @@ using namespace recording;
 
 // clang-format off
 
+// --- Random numbers: Knuth's 64-bit linear congruence, its upper bits ---------------
+
+int rand() noexcept {
+    randomState = randomState * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<int>(randomState >> 33U);
+}
+void srand(unsigned seed) noexcept { randomState = seed; }
+
 // --- Primitives and their attributes ----------------------------------------------
 
 void glBegin(GLenum mode) {
-    runOutside("glBegin", [=] { draw(PRIMITIVE, mode); context.begun = true; });
+    runOutside("glBegin", [=] {
+        draw(PRIMITIVE, known("glBegin", PRIMITIVES, mode));
+        context.begun = true;
+    });
 }
 void glEnd() {
     run([] { check(context.begun, "glEnd", "without glBegin"); context.begun = false; });
@@ -277,7 +227,9 @@ void glEnd() {
 void glVertex3f(float x, float y, float z) {
     run([=] {
         check(context.begun, "glVertex", "outside a primitive");
-        context.drawings.back().vertices.push_back(vertexAt(x, y, z));
+        if (context.begun) {
+            context.drawings.back().vertices.push_back(vertexAt({x, y, z}));
+        }
     });
 }
 void glNormal3f(float x, float y, float z) { run([=] { now.normal = {x, y, z}; }); }
@@ -292,69 +244,46 @@ void glColor4ub(GLubyte r, GLubyte g, GLubyte b, GLubyte a) {
 
 // --- Matrices ---------------------------------------------------------------------
 
-void glMatrixMode(GLenum mode) { runOutside("glMatrixMode", [=] { now.matrixMode = mode; }); }
-void glLoadIdentity() { runOutside("glLoadIdentity", [] { currentMatrix() = IDENTITY; }); }
+void glMatrixMode(GLenum mode) {
+    check(mode == GL_MODELVIEW || mode == GL_PROJECTION, "glMatrixMode", "unknown enumerator");
+    runOutside("glMatrixMode", [=] { now.matrixMode = mode; });
+}
+void glLoadIdentity() { runOutside("glLoadIdentity", [] { currentMatrix() = glm::dmat4(1); }); }
 void glPushMatrix() {
     runOutside("glPushMatrix", [] {
-        check(currentStack().size() + 1 < STACK_DEPTH, "glPushMatrix", "full stack");
-        currentStack().push_back(currentMatrix());
+        auto &stack = context.stacks[now.matrixMode];
+        check(stack.size() + 1 < STACK_DEPTH, "glPushMatrix", "full stack");
+        stack.push_back(currentMatrix());
     });
 }
 void glPopMatrix() {
     runOutside("glPopMatrix", [] {
-        check(!currentStack().empty(), "glPopMatrix", "empty stack");
-        if (!currentStack().empty()) {
-            currentMatrix() = currentStack().back();
-            currentStack().pop_back();
+        auto &stack = context.stacks[now.matrixMode];
+        check(!stack.empty(), "glPopMatrix", "empty stack");
+        if (!stack.empty()) {
+            currentMatrix() = stack.back();
+            stack.pop_back();
         }
     });
 }
-void glMultMatrixf(const float *elements) {
-    Matrix m;
-    std::copy_n(elements, 16, m.begin());
-    multiply("glMultMatrixf", m);
-}
+void glMultMatrixf(const float *elements) { multiply(glm::make_mat4(elements)); }
 void glTranslatef(float x, float y, float z) {
-    multiply("glTranslatef", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1});
+    multiply(glm::translate(glm::dmat4(1), {x, y, z}));
 }
-void glScalef(float x, float y, float z) {
-    multiply("glScalef", {x, 0, 0, 0, 0, y, 0, 0, 0, 0, z, 0, 0, 0, 0, 1});
-}
+void glScalef(float x, float y, float z) { multiply(glm::scale(glm::dmat4(1), {x, y, z})); }
 void glRotatef(float degrees, float x, float y, float z) {
-    const Vector axis = unit({x, y, z});
-    const double c = std::cos(degrees * M_PI / 180);
-    const double s = std::sin(degrees * M_PI / 180);
-    Matrix m = IDENTITY;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const std::size_t j = (i + 1) % 3;
-        const std::size_t k = (i + 2) % 3;
-        m[4 * i + i] = axis[i] * axis[i] * (1 - c) + c;
-        m[4 * i + j] = axis[i] * axis[j] * (1 - c) + axis[k] * s;
-        m[4 * i + k] = axis[i] * axis[k] * (1 - c) - axis[j] * s;
-    }
-    multiply("glRotatef", m);
+    multiply(glm::rotate(glm::dmat4(1), glm::radians(double{degrees}), {x, y, z}));
 }
 void gluPerspective(double fieldOfView, double aspect, double near, double far) {
-    const double f = 1 / std::tan(fieldOfView * M_PI / 360);
-    const double depth = near - far;
-    multiply("gluPerspective", {f / aspect, 0, 0, 0, 0, f, 0, 0,
-                                0, 0, (far + near) / depth, -1, 0, 0, 2 * far * near / depth, 0});
+    multiply(glm::perspective(glm::radians(fieldOfView), aspect, near, far));
 }
 void gluOrtho2D(double left, double right, double bottom, double top) {
-    const double w = right - left;
-    const double h = top - bottom;
-    multiply("gluOrtho2D", {2 / w, 0, 0, 0, 0, 2 / h, 0, 0, 0, 0, -1, 0,
-                            -(right + left) / w, -(top + bottom) / h, 0, 1});
+    multiply(glm::ortho(left, right, bottom, top));
 }
 void gluLookAt(double eyeX, double eyeY, double eyeZ, double centreX, double centreY,
                double centreZ, double upX, double upY, double upZ) {
-    const Vector forward = unit({centreX - eyeX, centreY - eyeY, centreZ - eyeZ});
-    const Vector side = unit(cross(forward, {upX, upY, upZ}));
-    const Vector up = cross(side, forward);
-    const Matrix turn = {side[0], up[0], -forward[0], 0, side[1], up[1], -forward[1], 0,
-                         side[2], up[2], -forward[2], 0, 0, 0, 0, 1};
-    multiply("gluLookAt", product(turn, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0,
-                                         -eyeX, -eyeY, -eyeZ, 1}));
+    multiply(glm::lookAt(glm::dvec3(eyeX, eyeY, eyeZ), glm::dvec3(centreX, centreY, centreZ),
+                         glm::dvec3(upX, upY, upZ)));
 }
 void glViewport(int x, int y, int width, int height) {
     runOutside("glViewport", [=] { now.viewport = {x, y, width, height}; });
@@ -362,36 +291,36 @@ void glViewport(int x, int y, int width, int height) {
 
 // --- State ------------------------------------------------------------------------
 
-void glEnable(GLenum capability) { enable("glEnable", capability, true); }
-void glDisable(GLenum capability) { enable("glDisable", capability, false); }
+void glEnable(GLenum capability) { enable(capability, true); }
+void glDisable(GLenum capability) { enable(capability, false); }
 void glBlendFunc(GLenum source, GLenum destination) {
     runOutside("glBlendFunc", [=] {
-        now.blendSource = source;
-        now.blendDestination = destination;
+        now.blending = {known("glBlendFunc", BLEND_FACTORS, source),
+                        known("glBlendFunc", BLEND_FACTORS, destination)};
     });
 }
 void glStencilFunc(GLenum function, int reference, unsigned mask) {
     runOutside("glStencilFunc", [=] {
-        now.stencilFunction = function;
+        now.stencilFunction = known("glStencilFunc", STENCIL_FUNCTIONS, function);
         now.stencilReference = reference;
         now.stencilMask = mask;
     });
 }
 void glStencilOp(GLenum fail, GLenum depthFail, GLenum pass) {
-    runOutside("glStencilOp", [=] { now.stencilOperations = {fail, depthFail, pass}; });
+    runOutside("glStencilOp", [=] {
+        const auto name = [](GLenum o) { return known("glStencilOp", STENCIL_OPERATIONS, o); };
+        now.stencilOperations = {name(fail), name(depthFail), name(pass)};
+    });
 }
-void glShadeModel(GLenum mode) { runOutside("glShadeModel", [=] { now.shading = mode; }); }
+void glShadeModel(GLenum mode) {
+    runOutside("glShadeModel", [=] { now.shading = known("glShadeModel", SHADE_MODELS, mode); });
+}
 void glLightfv(GLenum light, GLenum parameter, const float *values) {
-    const Colour v = {values[0], values[1], values[2], values[3]};
+    const glm::vec4 v = glm::make_vec4(values);
     runOutside("glLightfv", [=] {
-        Light &l = now.lights[light - GL_LIGHT0];
-        switch (parameter) {
-        case GL_AMBIENT: l.ambient = v; break;
-        case GL_DIFFUSE: l.diffuse = v; break;
-        case GL_SPECULAR: l.specular = v; break;
-        case GL_POSITION: l.position = times(now.modelview, v); break;
-        default: check(false, "glLightfv", "unknown parameter");
-        }
+        check(light == GL_LIGHT0 || light == GL_LIGHT1, "glLightfv", "unknown enumerator");
+        const Light_Value value = known("glLightfv", LIGHT_VALUE, parameter);
+        now.lights.at(light - GL_LIGHT0)[value] = value == POSITION ? glm::mat4(now.modelview) * v : v;
     });
 }
 void glClearColor(float r, float g, float b, float a) {
@@ -400,60 +329,63 @@ void glClearColor(float r, float g, float b, float a) {
 void glClearStencil(int value) {
     runOutside("glClearStencil", [=] { now.clearStencil = value; });
 }
-void glClear(GLbitfield mask) { runOutside("glClear", [=] { draw(CLEAR, mask); }); }
+void glClear(GLbitfield mask) {
+    runOutside("glClear", [=] {
+        draw(CLEAR, std::string("clear") + ((mask & GL_COLOR_BUFFER_BIT) != 0 ? " colour" : "") +
+                        ((mask & GL_DEPTH_BUFFER_BIT) != 0 ? " depth" : "") +
+                        ((mask & GL_STENCIL_BUFFER_BIT) != 0 ? " stencil" : ""));
+    });
+}
 
 // --- Textures and display lists ---------------------------------------------------
 
 void glGenTextures(int count, unsigned *names) {
-    for (int i = 0; i < count; ++i) {
-        names[i] = 1;
-        while (context.textures.contains(names[i])) {
-            ++names[i];
-        }
-        context.textures[names[i]] = {};
-    }
+    check(count == 1, "glGenTextures", "several at once");
+    *names = static_cast<unsigned>(context.textures.size()) + 1;
+    context.textures[*names] = {};
 }
-void glBindTexture(GLenum /*target*/, unsigned name) {
+void glBindTexture(GLenum target, unsigned name) {
     runOutside("glBindTexture", [=] {
         now.texture = name;
-        now.wrapS = context.textures[name].wrapS;
-        now.wrapT = context.textures[name].wrapT;
+        boundTexture(target);
     });
 }
-void glTexParameteri(GLenum /*target*/, GLenum parameter, int value) {
+void glTexParameteri(GLenum target, GLenum parameter, int value) {
     runOutside("glTexParameter", [=] {
-        Texture &t = context.textures[now.texture];
+        Texture &t = boundTexture(target);
         const auto mode = static_cast<GLenum>(value);
         switch (parameter) {
-        case GL_TEXTURE_WRAP_S: t.wrapS = now.wrapS = mode; break;
-        case GL_TEXTURE_WRAP_T: t.wrapT = now.wrapT = mode; break;
-        case GL_TEXTURE_MIN_FILTER: t.minFilter = mode; break;
-        case GL_TEXTURE_MAG_FILTER: t.magFilter = mode; break;
-        default: check(false, "glTexParameter", "unknown parameter");
+        case GL_TEXTURE_WRAP_S: t.wrap[0] = known("glTexParameter", WRAP_MODES, mode); break;
+        case GL_TEXTURE_WRAP_T: t.wrap[1] = known("glTexParameter", WRAP_MODES, mode); break;
+        case GL_TEXTURE_MAG_FILTER: t.filter[0] = known("glTexParameter", FILTERS, mode); break;
+        case GL_TEXTURE_MIN_FILTER: t.filter[1] = known("glTexParameter", FILTERS, mode); break;
+        default: check(false, "glTexParameter", "unknown enumerator");
         }
     });
 }
 void glTexParameterf(GLenum target, GLenum parameter, float value) {
     glTexParameteri(target, parameter, static_cast<int>(value));
 }
-void glTexEnvf(GLenum /*target*/, GLenum /*parameter*/, float value) {
-    runOutside("glTexEnvf", [=] { now.environment = static_cast<GLenum>(value); });
+void glTexEnvf(GLenum target, GLenum parameter, float value) {
+    runOutside("glTexEnvf", [=] {
+        check(target == GL_TEXTURE_ENV && parameter == GL_TEXTURE_ENV_MODE, "glTexEnvf",
+              "unknown enumerator");
+        now.environment = known("glTexEnvf", ENVIRONMENTS, static_cast<GLenum>(value));
+    });
 }
-void glTexImage2D(GLenum /*target*/, int /*level*/, int /*components*/, int width, int height,
-                  int /*border*/, GLenum format, GLenum type, const void *data) {
-    upload(width, height, format, type, data, false);
+void glTexImage2D(GLenum target, int level, int components, int width, int height, int border,
+                  GLenum format, GLenum type, const void *data) {
+    check(level == 0 && border == 0, "glTexImage2D", "no whole picture");
+    upload(boundTexture(target), components, width, height, format, type, data, false);
 }
-int gluBuild2DMipmaps(GLenum /*target*/, int /*components*/, int width, int height, GLenum format,
+int gluBuild2DMipmaps(GLenum target, int components, int width, int height, GLenum format,
                       GLenum type, const void *data) {
-    upload(width, height, format, type, data, true);
+    upload(boundTexture(target), components, width, height, format, type, data, true);
     return 0;
 }
 unsigned glGenLists(int count) {
-    const auto first = static_cast<unsigned>(context.lists.size()) + 1;
-    for (int i = 0; i < count; ++i) {
-        context.lists[first + static_cast<unsigned>(i)] = {};
-    }
-    return first;
+    check(count == 1, "glGenLists", "several at once");
+    return static_cast<unsigned>(context.lists.size()) + 1;
 }
 void glNewList(unsigned list, GLenum mode) {
     check(!context.begun && context.compiling == 0 && mode == GL_COMPILE, "glNewList", "nested");
@@ -481,27 +413,23 @@ void glCallList(unsigned list) {
 void *glutBitmapTimesRoman24 = nullptr;
 
 void glutSolidSphere(double radius, int slices, int stacks) {
-    runOutside("glutSolidSphere",
-                 [=] { draw(SHAPE, 0, "solid sphere", radius, slices, stacks); });
+    drawShape("solid sphere " + std::to_string(slices) + ' ' + std::to_string(stacks), radius);
 }
 void glutWireSphere(double radius, int slices, int stacks) {
-    runOutside("glutWireSphere", [=] { draw(SHAPE, 0, "wire sphere", radius, slices, stacks); });
+    drawShape("wire sphere " + std::to_string(slices) + ' ' + std::to_string(stacks), radius);
 }
-void glutWireCube(double size) {
-    runOutside("glutWireCube", [=] { draw(SHAPE, 0, "wire cube", size); });
-}
+void glutWireCube(double size) { drawShape("wire cube", size / 2); }
 void glRasterPos3f(float x, float y, float z) {
     runOutside("glRasterPos3f", [=] {
-        context.raster.vertices = {vertexAt(x, y, z)};
+        context.raster = vertexAt({x, y, z});
         context.rasterDrawn = false;
     });
 }
 void glutBitmapCharacter(void *font, int character) {
     runOutside("glutBitmapCharacter", [=] {
-        if (!std::exchange(context.rasterDrawn, true)) {
-            Drawing &text = draw(TEXT, 0);
-            text.vertices = context.raster.vertices;
-            text.font = font;
+        check(font == GLUT_BITMAP_TIMES_ROMAN_24, "glutBitmapCharacter", "another font");
+        if (!context.rasterDrawn) {
+            draw(TEXT, "", {context.raster});
             context.rasterDrawn = true;
         }
         context.drawings.back().name += static_cast<char>(character);
@@ -512,27 +440,16 @@ void glutBitmapCharacter(void *font, int character) {
 
 void glutInit(int * /*count*/, char ** /*arguments*/) {}
 void glutInitDisplayMode(unsigned mode) { context.window.displayMode = mode; }
-void glutInitWindowSize(int width, int height) {
-    context.window.width = width;
-    context.window.height = height;
-}
+void glutInitWindowSize(int width, int height) { context.window.size = {width, height}; }
 int glutCreateWindow(const char *title) { context.window.title = title; return 1; }
 void glutFullScreen() { context.window.fullScreen = true; }
-void glutDisplayFunc(void (*callback)()) { context.window.display = callback; }
-void glutReshapeFunc(void (*callback)(int, int)) { context.window.reshape = callback; }
-void glutKeyboardFunc(void (*callback)(unsigned char, int, int)) {
-    context.window.keyboard = callback;
-}
-void glutKeyboardUpFunc(void (*callback)(unsigned char, int, int)) {
-    context.window.keyboardUp = callback;
-}
-void glutMouseFunc(void (*callback)(int, int, int, int)) { context.window.mouse = callback; }
-void glutPassiveMotionFunc(void (*callback)(int, int)) { context.window.passiveMotion = callback; }
-void glutIdleFunc(void (*callback)()) { context.window.idle = callback; }
+void glutDisplayFunc(void (*call)()) { context.window.display = call; }
+void glutReshapeFunc(void (*call)(int, int)) { context.window.reshape = call; }
+void glutKeyboardFunc(void (*call)(unsigned char, int, int)) { context.window.keyboard = call; }
+void glutKeyboardUpFunc(void (*call)(unsigned char, int, int)) { context.window.keyboardUp = call; }
+void glutMouseFunc(void (*call)(int, int, int, int)) { context.window.mouse = call; }
+void glutPassiveMotionFunc(void (*call)(int, int)) { context.window.passiveMotion = call; }
+void glutIdleFunc(void (*call)()) { context.window.idle = call; }
 void glutPostRedisplay() { ++context.redisplays; }
-void glutSwapBuffers() { draw(SWAP, 0); }
-void glutMainLoop() {
-    if (context.script) {
-        context.script();
-    }
-}
+void glutSwapBuffers() { draw(SWAP, "swap"); }
+void glutMainLoop() { context.script(); }

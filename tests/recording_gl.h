@@ -3,99 +3,93 @@
 #include <GL/glut.h>
 
 #include <array>
-#include <cstdint>
 #include <functional>
+#include <glm/mat4x4.hpp>
+#include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
 #include <map>
 #include <string>
 #include <vector>
 
 // A recording OpenGL, GLU and GLUT, linked in place of the real ones. It keeps the
 // effective state and lists what is drawn, so that a test says what is seen and not
-// by which calls. Tests may call OpenGL themselves to set a state up.
+// by which calls. Tests may call OpenGL themselves to set a state up. An enumerator that
+// the game has no use for counts as a misuse, like one that OpenGL does not know.
+//
+// Its random numbers (rand and srand) take the place of the C library's, so that what is
+// drawn with them is the same everywhere.
 namespace recording {
 
-using Point = std::array<float, 3>;
-using Colour = std::array<float, 4>;
-using Matrix = std::array<double, 16>;  // column-major
+using Name = const char *;  // of an enumerator, as records print it
 
-constexpr Matrix IDENTITY = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-
-struct Light {
-    bool on = false;
-    Colour ambient = {0, 0, 0, 1};
-    Colour diffuse = {};
-    Colour specular = {};
-    Colour position = {0, 0, 1, 0};  // x, y, z, w in the world
+enum Capability {
+    TEXTURING,
+    LIGHTING,
+    BLENDING,
+    DEPTH_TEST,
+    STENCIL_TEST,
+    COLOR_MATERIAL,
+    NORMALIZE,
+    LIGHT0,
+    LIGHT1,
+    CAPABILITIES
 };
+
+enum Light_Value { AMBIENT, DIFFUSE, SPECULAR, POSITION, LIGHT_VALUES };
+using Light = std::array<glm::vec4, LIGHT_VALUES>;  // the position: x, y, z, w in the world
 
 // What the next drawing depends on; the start values are OpenGL's.
 struct State {
-    bool texturing = false;
-    bool lighting = false;
-    bool blending = false;
-    bool depthTest = false;
-    bool stencilTest = false;
-    bool colorMaterial = false;
-    bool normalize = false;
-    Light lights[2];
+    std::array<bool, CAPABILITIES> on = {};
+    std::array<Light, 2> lights = {};
 
-    Colour colour = {1, 1, 1, 1};
-    Point normal = {0, 0, 1};  // as given, in the model's frame
-    Point texCoord = {};
-    unsigned texture = 0;  // bound texture object and its wrap modes
-    GLenum wrapS = GL_REPEAT;
-    GLenum wrapT = GL_REPEAT;
-    GLenum environment = GL_MODULATE;
-    GLenum shading = GL_SMOOTH;
+    glm::vec4 colour = glm::vec4(1);
+    glm::vec3 normal = {0, 0, 1};  // as given, in the model's frame
+    glm::vec3 texCoord = {};
+    unsigned texture = 0;  // bound texture object
+    Name environment = "modulate";
+    Name shading = "smooth";
 
-    GLenum blendSource = GL_ONE;
-    GLenum blendDestination = GL_ZERO;
-    GLenum stencilFunction = GL_ALWAYS;
+    std::array<Name, 2> blending = {"one", "zero"};  // source, destination
+    Name stencilFunction = "always";
     int stencilReference = 0;
     unsigned stencilMask = ~0U;
-    std::array<GLenum, 3> stencilOperations = {GL_KEEP, GL_KEEP, GL_KEEP};
-    Colour clearColour = {};
+    std::array<Name, 3> stencilOperations = {"keep", "keep", "keep"};  // fail, depth fail, pass
+    glm::vec4 clearColour = {};
     int clearStencil = 0;
 
-    std::array<int, 4> viewport = {};
+    glm::ivec4 viewport = {};
     GLenum matrixMode = GL_MODELVIEW;
-    Matrix modelview = IDENTITY;
-    Matrix projection = IDENTITY;
+    glm::dmat4 modelview = glm::dmat4(1);
+    glm::dmat4 projection = glm::dmat4(1);
 };
 
 struct Vertex {
-    Point position;  // the modelview matrix applied: in the world, or on the overlay
-    Point normal;    // likewise, of unit length as by GL_NORMALIZE
-    Colour colour;
-    Point texCoord;
+    glm::vec3 position;  // the modelview matrix applied: in the world, or on the overlay
+    glm::vec3 normal;    // likewise, of unit length as by GL_NORMALIZE
+    glm::vec4 colour;
+    glm::vec3 texCoord;
 };
 
 enum Kind {
-    PRIMITIVE,  // glBegin to glEnd: `mode` and `vertices`
-    SHAPE,      // one of GLUT's: `name`, `size`, `slices`, `stacks`; placed by state.modelview
-    TEXT,       // characters from one raster position on: `name`, `font`, one vertex
-    CLEAR,      // `mode` is the mask
+    PRIMITIVE,  // glBegin to glEnd
+    SHAPE,      // one of GLUT's; its vertices are the centre and the ends of the three semi-axes
+    TEXT,       // characters from one raster position on, its one vertex
+    CLEAR,
     SWAP
 };
 
 struct Drawing {
     Kind kind;
-    GLenum mode;
-    State state;    // when it began
-    unsigned list;  // display list that drew it, else 0
+    std::string name;  // "quads", "solid sphere 16 16", the text, or what is cleared
+    State state;       // when it began
+    unsigned list;     // display list that drew it, else 0
     std::vector<Vertex> vertices;
-    std::string name;  // the text, or "solid sphere", "wire sphere", "wire cube"
-    double size;       // radius or edge length
-    int slices;
-    int stacks;
-    const void *font;
 };
 
 struct Texture {
-    GLenum wrapS = GL_REPEAT;
-    GLenum wrapT = GL_REPEAT;
-    GLenum minFilter = GL_NEAREST_MIPMAP_LINEAR;
-    GLenum magFilter = GL_LINEAR;
+    std::array<Name, 2> wrap = {"repeat", "repeat"};                       // s, t
+    std::array<Name, 2> filter = {"linear", "nearest of linear mipmaps"};  // larger, smaller
     int width = 0;
     int height = 0;
     bool mipmaps = false;
@@ -106,8 +100,7 @@ struct Texture {
 struct Window {
     std::string title;
     unsigned displayMode = 0;
-    int width = 0;
-    int height = 0;
+    std::array<int, 2> size = {};
     bool fullScreen = false;
     void (*display)() = nullptr;
     void (*reshape)(int width, int height) = nullptr;
@@ -124,32 +117,18 @@ void clear();  // forgets drawings, redisplays and faults; keeps state and objec
 const State &state();
 const std::vector<Drawing> &drawings();
 std::vector<Drawing> drawings(Kind kind);
-std::vector<Vertex> vertices();  // of all primitives, in order
 const std::map<unsigned, Texture> &textures();
 const Window &window();
 int redisplays();  // posted
 
-// Misuse of OpenGL, one line each: a test asserts that there is none.
-const std::vector<std::string> &faults();
-// Nothing left pushed on a matrix stack and no primitive open.
-bool stacksBalanced();
+// Misuse of OpenGL, one line each, with what is left open or pushed at the time of the call.
+std::vector<std::string> faults();
 
 // Run by glutMainLoop, which then returns.
 void onMainLoop(std::function<void()> script);
 
 // The point, multiplied and divided by w: with state().projection, its place on the
 // screen, each axis from -1 to 1.
-Point transform(const Matrix &matrix, const Point &point);
-
-// A running hash. Fractions count by thousandths.
-struct Digest {
-    void add(std::int64_t whole);
-    void add(double fraction);
-
-    std::uint64_t value = 0xcbf29ce484222325;
-};
-
-// All that is drawn and affects the picture.
-std::uint64_t digest();
+glm::vec3 transform(const glm::dmat4 &matrix, const glm::vec3 &point);
 
 }  // namespace recording

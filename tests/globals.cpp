@@ -1,0 +1,116 @@
+#include "globals.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <variant>
+#include <vector>
+
+#include "assets.h"
+#include "game_objects.h"
+#include "game_state.h"
+#include "scene_collision.h"
+#include "texture.h"
+
+namespace globals {
+namespace {
+
+using Place = std::variant<int *, unsigned *, float *, bool *>;
+
+struct Global {
+    std::string name;
+    Place place;
+    double start;
+    double seen;
+};
+
+double value(const Place &place) {
+    return std::visit([](auto *global) { return static_cast<double>(*global); }, place);
+}
+
+void assign(const Place &place, double value) {
+    std::visit(
+        [value](auto *global) { *global = static_cast<std::decay_t<decltype(*global)>>(value); },
+        place);
+}
+
+// clang-format off
+std::vector<Global> listAll() {
+    std::vector<Global> all;
+    const auto add = [&all](const std::string &name, const Place &place) {
+        all.push_back({name, place, value(place), value(place)});
+    };
+#define NAMED(global) {#global, &(global)}
+    const std::pair<const char *, Place> singles[] = {
+        NAMED(status), NAMED(Menu), NAMED(option), NAMED(selectOption), NAMED(Rotating),
+        NAMED(rotHor), NAMED(hor), NAMED(Zval), NAMED(Zstep), NAMED(TalkMenu), NAMED(IsTalkBool),
+        NAMED(TalkTimer), NAMED(Fight_status), NAMED(Battle_Turn), NAMED(BATTLE_MESSAGE),
+        NAMED(BattleMessageTimer), NAMED(PlayerTimer), NAMED(health), NAMED(ENEMY_Health),
+        NAMED(special), NAMED(ENTERPRESS), NAMED(ENTERPRESS_ENEMY), NAMED(zoom), NAMED(action),
+        NAMED(collision_back), NAMED(collision_action), NAMED(INITCOLLBOXES), NAMED(width),
+        NAMED(height), NAMED(texture_back), NAMED(house_back), NAMED(collision_char.cx),
+        NAMED(collision_char.cz), NAMED(objrot), NAMED(objrotold), NAMED(marked_params.pos_x),
+        NAMED(enemy_params.pos_x),
+    };
+#undef NAMED
+    for (const auto &[name, place] : singles) {
+        add(name, place);
+    }
+    const std::pair<std::string, float *> points[] = {
+        {"position", position}, {"positionold", positionold}, {"vect", vect}, {"camrot", camrot},
+        {"eye", camera.eye}, {"center", camera.center}, {"up", camera.up}};
+    for (const auto &[name, coordinates] : points) {
+        for (int axis = 0; axis < 3; ++axis) {
+            add(name + '.' + "xyz"[axis], coordinates + axis);
+        }
+    }
+    return all;
+}
+// clang-format on
+
+// Before main, so that the start values are the game's own.
+std::vector<Global> &table() {
+    static std::vector<Global> all = listAll();
+    return all;
+}
+const bool LISTED = !table().empty();
+
+}  // namespace
+
+std::string changes() {
+    std::string all;
+    for (Global &global : table()) {
+        const double now = value(global.place);
+        if (now != global.seen) {
+            all += (all.empty() ? "" : "  ") + global.name + ' ' + text(now);
+        }
+        global.seen = now;
+    }
+    return all;
+}
+
+void reset() {
+    for (const Global &global : table()) {
+        assign(global.place, global.start);
+    }
+    collision_back = 0;
+    marked_params = enemy_params = {};
+    changes();
+}
+
+void set(const std::string &name, double value) {
+    const auto isNamed = [&name](const Global &global) { return global.name == name; };
+    assign(std::find_if(table().begin(), table().end(), isNamed)->place, value);
+}
+
+}  // namespace globals
+
+std::string text(double number) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.4f", number);
+    std::string result = buffer;
+    result.erase(result.find_last_not_of('0') + 1);
+    if (result.back() == '.') {
+        result.pop_back();
+    }
+    return result == "-0" ? "0" : result;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+// The game's plain state by name, for tests that say what a step changes.
+namespace globals {
+
+// Every global that differs from the last call, or from the reset, in the order of their
+// table: "status 1  eye.z 4.8". Fractions have up to four decimals.
+std::string changes();
+
+// The start values of the game's state and an empty scene.
+void reset();
+
+// Sets one of them. There must be one of this name.
+void set(const std::string &name, double value);
+
+}  // namespace globals
+
+// The number with up to four decimals, without trailing zeros or a negative zero.
+std::string text(double number);

@@ -1,0 +1,247 @@
+#include "record.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "assets.h"
+#include "globals.h"
+#include "recording_gl.h"
+#include "scene_collision.h"
+
+namespace record {
+namespace {
+
+using recording::Drawing;
+using recording::State;
+using recording::Vertex;
+
+// Things that alternate in one scene: three houses and a fire.
+constexpr std::size_t LONGEST_ALTERNATION = 4;
+
+// Means and weighted sums of values with up to four parts.
+class Sums {
+public:
+    template <typename Vector>
+    void add(const Vector &values) {
+        double weight = 1 + count * 7 % 11;
+        mean.resize(values.length());
+        for (int i = 0; i < values.length(); ++i, weight *= 1.3) {
+            mean[static_cast<std::size_t>(i)] += values[i];
+            weighted += weight * values[i];
+        }
+        ++count;
+    }
+    // Nothing where nothing was added.
+    std::string print(const char *name) const {
+        std::string line = count > 0 ? std::string("  ") + name : "";
+        for (const double part : mean) {
+            line += ' ' + text(part / count);
+        }
+        return line + (count > 1 ? " ~ " + text(weighted) : "");
+    }
+
+private:
+    int count = 0;
+    std::vector<double> mean;
+    double weighted = 0;
+};
+
+struct Item {
+    std::string name;
+    std::string state;
+    int times = 0;
+    Sums place, colour, normal, texCoord;
+
+    std::string print() const {
+        return "  " + name + (times > 1 ? " x" + std::to_string(times) : "") + place.print("at") +
+               colour.print("colour") + normal.print("normal") + texCoord.print("st") + state;
+    }
+};
+
+using Names = std::vector<std::pair<unsigned, std::string>>;
+
+std::string nameIn(const Names &names, unsigned object) {
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [object](const auto &known) { return known.first == object; });
+    return found == names.end() ? std::to_string(object) : found->second;
+}
+
+// clang-format off
+std::string textureName(unsigned name) {
+    Names names = {
+        {texture[GROUND_TEXTURE], "ground"}, {texture[FIRE_TEXTURE], "fire"},
+        {texture[BLUE_FIRE_TEXTURE], "blue"}, {skybox[SKY], "sky"}, {skybox[FLOOR], "floor"},
+        {skybox[NORTH], "north"}, {skybox[SOUTH], "south"}, {skybox[WEST], "west"},
+        {skybox[EAST], "east"}};
+    for (unsigned slot = 0; slot < texture_back; ++slot) {
+        names.emplace_back(texture[slot], "model" + std::to_string(slot));
+    }
+    return nameIn(names, name);
+}
+
+std::string listName(unsigned list) {
+    return nameIn({{house1, "house1"}, {house2, "house2"}, {house3, "house3"}, {intro, "cube"},
+                   {tree, "tree"}, {castle, "castle"}, {forest, "forest"}, {NPC, "townsperson"}},
+                  list);
+}
+// clang-format on
+
+// With a perspective, w depends on z.
+bool onScreen(const State &s) {
+    return s.projection[2][3] == 0;
+}
+
+std::string stateText(const State &s) {
+    using namespace recording;
+    std::string line;
+    const auto add = [&line](bool on, const std::string &words) { line += on ? ", " + words : ""; };
+    const auto found = textures().find(s.texture);
+    const Texture bound = found == textures().end() ? Texture() : found->second;
+    add(s.on[TEXTURING],
+        textureName(s.texture) + ' ' + s.environment + ' ' + bound.wrap[0] + ' ' + bound.wrap[1]);
+    add(s.on[LIGHTING], std::string("lit ") + s.shading);
+    add(s.on[LIGHTING] && !s.on[COLOR_MATERIAL], "without colour");
+    add(s.on[LIGHTING] && !s.on[NORMALIZE], "without normalize");
+    add(s.on[LIGHTING] && !(s.on[LIGHT0] && s.on[LIGHT1]), "by one light");
+    add(s.on[BLENDING], std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
+    add(s.on[DEPTH_TEST], "depth");
+    add(s.on[STENCIL_TEST], std::string("stencil ") + s.stencilFunction + ' ' +
+                                std::to_string(s.stencilReference) + ' ' +
+                                (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] +
+                                ' ' + s.stencilOperations[1] + ' ' + s.stencilOperations[2]);
+    return "  [" + line.substr(std::min<std::size_t>(2, line.size())) + "]";
+}
+
+std::string thing(const Drawing &d, bool everyPart) {
+    if (d.list != 0) {
+        return listName(d.list);
+    }
+    if (d.kind == recording::TEXT) {
+        return '"' + d.name + '"';
+    }
+    if (d.state.on[recording::TEXTURING]) {
+        return textureName(d.state.texture) + ' ' + d.name;
+    }
+    return everyPart || onScreen(d.state) || d.name[0] == 'w' ? d.name : "parts";
+}
+
+void add(Item &item, const Drawing &d) {
+    ++item.times;
+    for (const Vertex &v : d.vertices) {
+        glm::vec3 p = v.position;
+        if (onScreen(d.state)) {
+            p = recording::transform(d.state.projection, p);
+            p = {0.4F + 0.8F * p[0], 0.7F - 0.7F * p[1], p[2]};
+        }
+        item.place.add(p);
+        item.colour.add(v.colour);
+        if (d.state.on[recording::LIGHTING] && d.kind != recording::SHAPE) {
+            item.normal.add(v.normal);
+        }
+        if (d.state.on[recording::TEXTURING]) {
+            item.texCoord.add(v.texCoord);
+        }
+    }
+}
+
+// The item that the drawing repeats, or a new one.
+Item &itemFor(const Drawing &d, bool everyPart, std::vector<Item> &items) {
+    const std::string name = thing(d, everyPart) + (onScreen(d.state) ? " screen" : "");
+    const std::string state = stateText(d.state);
+    const bool single =
+        onScreen(d.state) || d.kind == recording::TEXT || (everyPart && d.kind == recording::SHAPE);
+    const std::size_t window = single ? 0 : everyPart ? 1 : LONGEST_ALTERNATION;
+    for (std::size_t back = 1; back <= std::min(window, items.size()); ++back) {
+        Item &item = items[items.size() - back];
+        if (item.name == name && item.state == state) {
+            return item;
+        }
+    }
+    return items.emplace_back(Item{name, state, 0, {}, {}, {}, {}});
+}
+
+template <typename Vector>
+std::string join(const Vector &values) {
+    std::string line;
+    for (int i = 0; i < values.length(); ++i) {
+        line += ' ' + text(static_cast<double>(values[i]));
+    }
+    return line;
+}
+
+std::string clearText(const Drawing &d) {
+    return d.name + " to" + join(d.state.clearColour) + ' ' + std::to_string(d.state.clearStencil) +
+           " in" + join(d.state.viewport);
+}
+
+}  // namespace
+
+Lines drawings(bool everyPart) {
+    std::vector<Item> items;
+    glm::dmat4 view(1);
+    for (const Drawing &d : recording::drawings()) {
+        if (d.kind == recording::CLEAR || d.kind == recording::SWAP) {
+            items.push_back(
+                {d.kind == recording::SWAP ? d.name : clearText(d), "", 0, {}, {}, {}, {}});
+            continue;
+        }
+        if (!onScreen(d.state) && d.state.projection != view) {
+            view = d.state.projection;
+            items.push_back({"view" + join(view[0]) + join(view[1]) + join(view[2]) + join(view[3]),
+                             "",
+                             0,
+                             {},
+                             {},
+                             {},
+                             {}});
+        }
+        add(itemFor(d, everyPart, items), d);
+    }
+    Lines lines;
+    std::transform(items.begin(), items.end(), std::back_inserter(lines),
+                   [](const Item &item) { return item.print(); });
+    return lines;
+}
+
+std::string leftBehind() {
+    const State &s = recording::state();
+    return "  left: colour" + join(s.colour) + "  normal" + join(s.normal) + "  " +
+           textureName(s.texture) + "  blend " + s.blending[0] + ' ' + s.blending[1] +
+           (s.matrixMode == GL_MODELVIEW ? "" : "  another matrix") +
+           (s.modelview == glm::dmat4(1) ? "" : "  a placement") + stateText(s);
+}
+
+Lines objects() {
+    Lines lines;
+    for (const recording::Light &light : recording::state().lights) {
+        lines.push_back("  light ambient" + join(light[recording::AMBIENT]) + "  diffuse" +
+                        join(light[recording::DIFFUSE]) + "  specular" +
+                        join(light[recording::SPECULAR]) + "  at" +
+                        join(light[recording::POSITION]));
+    }
+    for (const auto &[name, t] : recording::textures()) {
+        Sums pixels;
+        for (std::size_t i = 0; i + 2 < t.pixels.size(); i += 3) {
+            pixels.add(glm::ivec3(t.pixels[i], t.pixels[i + 1], t.pixels[i + 2]));
+        }
+        lines.push_back("  texture " + textureName(name) + ' ' + std::to_string(t.width) + " by " +
+                        std::to_string(t.height) + ' ' + t.wrap[0] + ' ' + t.wrap[1] + ", " +
+                        t.filter[0] + ", " + t.filter[1] + (t.mipmaps ? "" : ", no mipmaps") +
+                        pixels.print("pixels"));
+    }
+    return lines;
+}
+
+Lines footprints(int first) {
+    Lines lines;
+    for (auto i = static_cast<unsigned>(first); i < collision_back; ++i) {
+        const Collision_Object &f = collision_scene[i];
+        lines.push_back("  footprint " + std::to_string(i) + "  kind " + std::to_string(f.kind) +
+                        " code " + std::to_string(f.code) + "  x " + text(f.minX) + " .. " +
+                        text(f.maxX) + "  z " + text(f.minZ) + " .. " + text(f.maxZ));
+    }
+    return lines;
+}
+
+}  // namespace record
