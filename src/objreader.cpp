@@ -177,8 +177,9 @@ float *record(float *array, int index) {
     return array + 3 * static_cast<std::ptrdiff_t>(index);
 }
 
-// Counts one more record and returns its place, or null where the array is full: a last
-// line that is too short without its end is no line to the counting pass.
+// Counts one more record and returns its place, or null where the array is full: a last line
+// that is too short without its end is no line to the counting pass, and a file may grow
+// between the passes.
 float *nextRecord(float *array, int capacity, int &used) {
     const int index = used++;
     return index < capacity ? record(array, index) : nullptr;
@@ -252,16 +253,17 @@ void objReader::loadObj(const char *filename) {
     }
 
     rewind(file.get());
-    if (fill(file.get())) {
+    if (fill(file.get(), triangleRoom)) {
         widenBox();
     } else {
         error = OBJ_COUNTS_DIFFER;
     }
 }
 
-bool objReader::fill(FILE *file) {
+bool objReader::fill(FILE *file, std::size_t triangleRoom) {
     const Counts counts = {vertexCount, normalCount, texCoordCount};
     Counts used;
+    std::size_t roomUsed = 0;
     bool flip = false;
     char text[LINE_BUFFER];
     while (readLine(file, text)) {
@@ -280,15 +282,16 @@ bool objReader::fill(FILE *file) {
                 (void)sscanf(rest, "%f%f", &t[0], &t[1]);
             }
         } else if (strcmp(keyword, "f") == 0) {
+            roomUsed += triangleRoomOf(rest);
             const Polygon polygon = parseFace(rest);
-            if (drawable(polygon, counts)) {
+            if (roomUsed <= triangleRoom && drawable(polygon, counts)) {
                 triangleCount += makeTriangles(polygon, flip, faces + triangleCount);
             }
         } else if (strcmp(keyword, "g") == 0) {
             flip = strcmp(rest, "Facets_8\n") == 0;
         }
     }
-    return used == counts;
+    return used == counts && roomUsed == triangleRoom;
 }
 
 void objReader::centerObject() {

@@ -27,7 +27,8 @@ enum Obj_Error { OBJ_OK = 0, OBJ_COUNTS_DIFFER = 2, OBJ_NOT_OPENED = 4, OBJ_NO_M
 // has is dropped; where the file has no such array the index is never used.
 //
 // A last line of fewer than 3 characters is passed over by the pass that counts and not by
-// the one that fills: where it is a "v", "vn" or "vt" line, the counts differ.
+// the one that fills: where it is a "v", "vn" or "vt" line, the counts differ. So they do where
+// the file changes between the passes; what it then has more than was counted is not kept.
 //
 // An object that has failed stays failed: later loads fill its arrays, but it
 // centres and draws nothing. Nothing is printed.
@@ -77,7 +78,8 @@ public:
 private:
     void release();
     bool allocate(std::size_t triangleRoom);
-    bool fill(FILE *file);  // the second pass; false if the counts differ
+    // The second pass; false if the counts differ.
+    bool fill(FILE *file, std::size_t triangleRoom);
     void growBox(const float *vertex);
     void widenBox();
 };

@@ -51,8 +51,8 @@ Pixels allocatePixels(const Image &image) {
     if (size < 0) {
         return nullptr;
     }
-    const std::int64_t padding =
-        ROW_ALIGNMENT * (std::abs(static_cast<std::int64_t>(image.height)) + 1);
+    const std::int64_t rows = size > 0 ? std::abs(static_cast<std::int64_t>(image.height)) : 0;
+    const std::int64_t padding = ROW_ALIGNMENT * (rows + 1);
     return Pixels(
         static_cast<unsigned char *>(calloc(static_cast<std::size_t>(size + padding), 1)));
 }

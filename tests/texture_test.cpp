@@ -1,5 +1,6 @@
 #include "texture.h"
 
+#include <gmock/gmock.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -103,6 +104,20 @@ TEST_F(Assets, BadPicturesLeaveALineAndNoTexture) {
     EXPECT_TRUE(recording::textures().empty());
     EXPECT_LT(mostMemory() - memory, 200 * 1024) << "touched for pixels that never came";
 }
+
+#ifndef TALVERY_SANITIZED  // which ask for much more by themselves
+TEST_F(Assets, NoPixelsTakeNoRoom) {
+    const Temp_File file(Picture{.width = 0, .height = INT_MAX}.file());
+    rlimit before;
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit less = {rlim_t{2} << 30U, before.rlim_max};
+    setrlimit(RLIMIT_AS, &less);
+    testing::internal::CaptureStdout();
+    LoadBitmap(file.name());
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::StartsWith("Error reading"));
+    setrlimit(RLIMIT_AS, &before);
+}
+#endif
 
 TEST_F(Assets, ModelsTakeTheirSlotsInOrder) {
     const Temp_File picture(Picture().file());
