@@ -65,6 +65,7 @@ const Place PLACES[] = {
     {"castle-wall-near",     -65,     8,   85, 0.4F},
     {"castle-corner-near",   -65,    12.5F, 75, 0.7F},
     {"castle-side-near",     -74,    15,    0, 0.6F},
+    {"castle-from-above",    -61,     6,   80, 4.4F, 0, 18},
     {"forest",               -72,    30,   90},
     {"forest-edge",          -76,    52,   60},
     {"forest-and-castle",    -50,   -30,   75},
