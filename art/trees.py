@@ -198,7 +198,7 @@ def wood_picture():
 # All in world units here: x along the edge, y above the ground, z inwards, the
 # front facing -z. The game draws the model twice as wide and four times as tall.
 STRETCH = np.array((2.0, 4.0, 2.0))
-FULL, FRONT = (-180.0, 180.0), (-25.0, 205.0)  # degrees round a tree; the town's side is 90
+FRONT = (-25.0, 205.0)  # the seen part of a tree, in degrees round it; the town's side is 90
 
 # Places on the picture, in pixels: x, y, width, height.
 DEEP = (0, 0, 1024, 352)                       # goes on from its right edge to its left
@@ -250,121 +250,109 @@ class Foliage(Mesh):
 
 
 class Drawn(Mesh):
+    """Polygons with their normals; those without, the last ones, are flat."""
+
     def __init__(self):
         super().__init__()
         self.lit = []
 
     def _normals(self):
-        missing = len(self.polygons) - len(self.lit)  # the anchor
-        return self.lit + [[polygon_normal(p)] * len(p) for p, _, _ in self.polygons[len(self.polygons) - missing:]]
+        return self.lit + [[polygon_normal(p)] * len(p) for p, _, _ in self.polygons[len(self.lit):]]
 
 
-def arc(radii, y, x, z, reach, turn=0.0):
-    """Points round (x, z) from reach[0] to reach[1] degrees; radii are taken in turn."""
-    whole = reach == FULL
-    count = len(radii)
-    angles = np.radians(np.linspace(reach[0], reach[1], count + 1 if whole else count))[:count] + turn
-    return [np.array((x + r * np.cos(a), y, z - r * np.sin(a))) for r, a in zip(radii, angles)]
+def around(x, y, z, radius, angle):
+    """The point at an angle (radians) of a level circle about (x, y, z)."""
+    return np.array((x + radius * np.cos(angle), y, z - radius * np.sin(angle)))
 
 
-def trunk_of(wood, rng, x, z, tall, radius, skin, reach=FRONT, roots=True, sides=5):
-    """A furrowed stem that spreads into roots, bent a little."""
-    turn, lean = rng.random(), rng.normal(size=2) * 0.10
-    uneven = np.where(np.arange(sides) % 2, 0.72, 1.25)
-    levels = [(0.0, 2.0 * uneven), (0.75, 1.06 * np.ones(sides)), (tall, 0.72 * np.ones(sides))]
-    if not roots:
-        levels = [(0.0, 1.5 * np.ones(sides)), (tall, 0.8 * np.ones(sides))]
-    rings = [arc(radius * r, y, x + lean[0] * y / 2, z + lean[1] * y / 2, reach, turn if reach == FULL else 0.0)
-             for y, r in levels]
+def stem(wood, rng, x, z, tall, radius, skin, reach=FRONT, roots=True, sides=5):
+    """A furrowed stem, bent a little, that may spread into roots."""
+    lean = rng.normal(size=2) * 0.05
+    levels = [(0.0, 1.5), (tall, 0.8)]
+    if roots:
+        levels = [(0.0, 2.0 * np.where(np.arange(sides) % 2, 0.72, 1.25)), (0.75, 1.06), (tall, 0.72)]
+    angles = np.radians(np.linspace(*reach, sides))
+    rings = [[around(x + lean[0] * y, y, z + lean[1] * y, radius * r, a) for r, a in zip(np.broadcast_to(spread, sides), angles)]
+             for y, spread in levels]
     wear = lambda s, i: place(skin, s, 1 - min(levels[i][0] / 5.2, 1))
-    wood.add(loft(rings, wear, ("stem", x, z), closed=reach == FULL))
+    wood.add(loft(rings, wear, ("stem", x, z), closed=False))
 
 
-def shag(wood, rng, name, middle, wide, tall, reach, region=LEAVES, count=4, lean=0.75, sunk=0.0):
-    """A ragged dome of foliage: a crooked ring under its top, then a hem of leafy tips.
-
-    The picture lies on it unstretched, from its top down.
+def shag(wood, rng, name, middle, wide, tall, reach, region=LEAVES, count=4, lean=0.75, bush=False):
+    """A ragged dome of foliage: a crooked ring under its top, then a hem of so many leafy tips,
+    which for a bush lies on the ground. The picture lies on it unstretched, from its top down.
     """
     x, y, z = middle
     wood.hearts[name] = (np.array((x, y - 0.45 * tall, z)), lean)
-    whole = reach == FULL
-    points = count if whole else count + 1
-    start, span = np.radians(reach[0]), np.radians(reach[1] - reach[0])
-    slip = rng.uniform(-0.15, 0.15)
-    at = lambda a, r, up: np.array((x + r * np.cos(a), y + up, z - r * np.sin(a)))
-    top = at(rng.random() * 6, 0.18 * wide, tall * rng.uniform(0.72, 0.90))
-    angles = start + slip + span * np.arange(points) / count
-    ring_ = [at(a, wide * rng.uniform(0.58, 0.82), tall * (rng.uniform(0.38, 0.62) + 6 * sunk)) for a in angles]
-    valleys = [at(a + rng.uniform(-0.1, 0.1), wide * rng.uniform(0.88, 1.10), -tall * rng.uniform(0.02, 0.22)) for a in angles]
-    half = span / count / 2
-    tips = [at(a + half + rng.uniform(-0.12, 0.12), wide * rng.uniform(0.74, 1.0), -tall * rng.uniform(0.45, 0.78)) for a in angles]
-    if sunk:  # a bush stands on the ground
-        for p in valleys + tips:
-            p[1] = 0.0
-    gauge = TEXELS
-    base_x, base_y, width, height = region
-    room = (width - 8) / gauge - span * wide * 0.9
-    shift = max(0.0, room) * rng.random()
-    squeeze = min(1.0, (width - 8) / gauge / (span * wide * 0.9))
-    drop = lambda a, b: np.linalg.norm(a - b)
+    start, span = np.radians(reach[0]) + rng.uniform(-0.15, 0.15), np.radians(reach[1] - reach[0])
+    at = lambda angle, out, up: around(x, y + up * tall, z, out * wide, angle)
+    angles, half = start + span * np.arange(count + 1) / count, span / count / 2
+    top = at(rng.random() * 6, 0.18, rng.uniform(0.72, 0.90))
+    waist = [at(a, rng.uniform(0.58, 0.82), rng.uniform(0.44, 0.68) if bush else rng.uniform(0.38, 0.62)) for a in angles]
+    notches = [at(a + rng.uniform(-0.1, 0.1), rng.uniform(0.88, 1.10), 0 if bush else rng.uniform(-0.22, -0.02)) for a in angles]
+    tips = [at(a + half + rng.uniform(-0.12, 0.12), rng.uniform(0.74, 1.0), 0 if bush else rng.uniform(-0.78, -0.45))
+            for a in angles[:-1]]
 
-    def spot(a, run):
-        u = base_x + 4 + (shift + (a - start - slip + 0.12) * wide * 0.9 * squeeze) * gauge
-        v = base_y + 3 + run * gauge
-        return FOREST.uv(np.clip(u, base_x + 3, base_x + width - 3), min(v, base_y + height - 3))
+    left, upper, width, height = region
+    round_it = span * wide * 0.9 * TEXELS                      # pixels
+    room = width - 8 - round_it
+    shift, squeeze = max(0.0, room) * rng.random(), min(1.0, (width - 8) / round_it)
 
-    for k in range(count):
-        n = (k + 1) % points
-        a, b = angles[k], angles[k] + span / count
-        ra, rb = drop(top, ring_[k]), drop(top, ring_[n])
-        va, vb, tip = ra + drop(ring_[k], valleys[k]), rb + drop(ring_[n], valleys[n]), (ra + rb) / 2 + drop((ring_[k] + ring_[n]) / 2, tips[k])
+    def spot(angle, *points):
+        """The picture's place of the last point: its angle across, the way over the points down."""
+        across = shift + (angle - start + 0.12) / span * round_it * squeeze
+        down = sum(np.linalg.norm(b - a) for a, b in zip(points, points[1:])) * TEXELS
+        return FOREST.uv(left + np.clip(4 + across, 3, width - 3), upper + min(3 + down, height - 3))
+
+    for k, tip in enumerate(tips):
+        a, b = angles[k], angles[k + 1]
+        wa, wb = waist[k], waist[k + 1]
         m = (a + b) / 2
-        wood.face([ring_[k], ring_[n], top], [spot(a, ra), spot(b, rb), spot(m, 0)], name)
-        wood.face([valleys[k], tips[k], ring_[k]], [spot(a, va), spot(m, tip), spot(a, ra)], name)
-        wood.face([tips[k], ring_[n], ring_[k]], [spot(m, tip), spot(b, rb), spot(a, ra)], name)
-        wood.face([tips[k], valleys[n], ring_[n]], [spot(m, tip), spot(b, vb), spot(b, rb)], name)
+        places = {"top": spot(m, top), "wa": spot(a, top, wa), "wb": spot(b, top, wb), "tip": spot(m, top, (wa + wb) / 2, tip),
+                  "na": spot(a, top, wa, notches[k]), "nb": spot(b, top, wb, notches[k + 1])}
+        wood.face([wa, wb, top], [places["wa"], places["wb"], places["top"]], name)
+        wood.face([notches[k], tip, wa], [places["na"], places["tip"], places["wa"]], name)
+        wood.face([tip, wb, wa], [places["tip"], places["wb"], places["wa"]], name)
+        wood.face([tip, notches[k + 1], wb], [places["tip"], places["nb"], places["wb"]], name)
 
 
 def round_tree(wood, rng, x, z, tall, wide, reach=FRONT):
-    """Ragged lumps of leaves on a forked stem."""
+    """Three ragged lumps of leaves on a stem."""
     base = tall * 0.40
-    trunk_of(wood, rng, x, z, base + 1.2, 0.30, BARK, reach)
+    stem(wood, rng, x, z, base + 1.2, 0.30, BARK, reach)
     swing = rng.choice((-1, 1))
-    shape = [  # aside, height over the base, inwards, half width, half height, hem's tips
+    lumps = [  # aside, height over the base, inwards, half width, half height, tips of the hem
         (0.06, 0.60, 0.12, 0.80, 0.50, 5),
         (-0.52, 0.22, -0.12, 0.62, 0.40, 4),
         (0.56, 0.32, -0.06, 0.60, 0.40, 4),
     ]
-    for k, (dx, up, dz, half, high, count) in enumerate(shape):
+    for k, (dx, up, dz, half, high, tips) in enumerate(lumps):
         middle = np.array((x + dx * swing * wide, base + up * (tall - base), z + dz * wide))
-        shag(wood, rng, ("crown", x, k), middle, half * wide, high * (tall - base), reach, count=count)
+        shag(wood, rng, ("crown", x, k), middle, half * wide, high * (tall - base), reach, count=tips)
 
 
-def conifer(wood, rng, x, z, tall, wide, boughs, reach=FRONT, stem=True, lowest=1.5):
+def conifer(wood, rng, x, z, tall, wide, tiers, reach=FRONT):
     """Tiers of so many drooping boughs each, the lowest first, on a scaly stem."""
     name = ("conifer", x, z)
     wood.hearts[name] = (np.array((x, tall * 0.30, z)), 0.45)
-    if stem:
-        trunk_of(wood, rng, x, z, lowest + 1.6, 0.26, SCALES, reach, roots=reach == FRONT, sides=4)
-    tiers, span = len(boughs), np.radians(reach[1] - reach[0])
-    for tier, count in enumerate(boughs):
-        at = tier / tiers
-        hem = lowest + (tall - lowest) * (at ** 1.05)
-        peak = min(tall, hem + (tall - lowest) * 1.30 / tiers) if tier < tiers - 1 else tall
-        radius = wide * (1 - 0.84 * at)
-        start = rng.random() * 6.28 if reach == FULL else np.radians(reach[0]) + rng.uniform(-0.25, 0.25)
+    lowest, span = 1.5, np.radians(reach[1] - reach[0])
+    stem(wood, rng, x, z, lowest + 1.6, 0.26, SCALES, reach, roots=reach == FRONT, sides=4)
+    for tier, count in enumerate(tiers):
+        at, last = tier / len(tiers), tier == len(tiers) - 1
+        hem = lowest + (tall - lowest) * at ** 1.05
+        peak = tall if last else hem + (tall - lowest) * 1.30 / len(tiers)
+        drop, radius = peak - hem, wide * (1 - 0.84 * at)
+        start, step = np.radians(reach[0]) + rng.uniform(-0.25, 0.25), span / count
         apex = np.array((x + rng.normal() * 0.06, peak, z + rng.normal() * 0.06))
-        around = lambda a, r, y: np.array((x + r * np.cos(a), y, z - r * np.sin(a)))
-        valleys = [around(start + span * i / count, radius * rng.uniform(0.66, 0.80), hem + (peak - hem) * rng.uniform(0.08, 0.20))
-                   for i in range(count + (0 if reach == FULL else 1))]
+        notches = [around(x, hem + drop * rng.uniform(0.08, 0.20), z, radius * rng.uniform(0.66, 0.80), start + step * i)
+                   for i in range(count + 1)]
         for i in range(count):
-            tip = around(start + span * (i + 0.5 + rng.uniform(-0.14, 0.14)) / count, radius * rng.uniform(0.90, 1.16),
-                         hem - (peak - hem) * rng.uniform(0.0, 0.16))
-            left, right = valleys[i], valleys[(i + 1) % len(valleys)]
+            tip = around(x, hem - drop * rng.uniform(0.0, 0.16), z, radius * rng.uniform(0.90, 1.16),
+                         start + step * (i + rng.uniform(0.36, 0.64)))
             region = BOUGHS[int(rng.integers(2))]
-            low, peak_t = 0.84, 0.0 if tier == tiers - 1 else 0.12
-            wood.face([left, tip, apex], [place(region, 0.0, low), place(region, 0.5, 1.0), place(region, 0.5, peak_t)], name)
-            wood.face([tip, right, apex], [place(region, 0.5, 1.0), place(region, 1.0, low), place(region, 0.5, peak_t)], name)
+            low, middle, high = place(region, 0.0, 0.84), place(region, 0.5, 1.0), place(region, 0.5, 0.0 if last else 0.12)
+            wood.face([notches[i], tip, apex], [low, middle, high], name)
+            wood.face([tip, notches[i + 1], apex], [middle, place(region, 1.0, 0.84), high], name)
 
 
 def spire(wood, rng, foot, out, tall, wide, low):
@@ -385,8 +373,8 @@ def spire(wood, rng, foot, out, tall, wide, low):
         wood.face(points, uvs, name)
 
 
-def bush(wood, rng, x, z, tall, wide, reach=(-8.0, 188.0), count=4):
-    shag(wood, rng, ("bush", x, z), np.array((x, 0.0, z)), wide, tall, reach, SCRUB, count, 0.6, sunk=0.01)
+def bush(wood, rng, x, z, tall, wide, reach=(-8.0, 188.0)):
+    shag(wood, rng, ("bush", x, z), np.array((x, 0.0, z)), wide, tall, reach, SCRUB, lean=0.6, bush=True)
 
 
 def fern(wood, rng, x, z, size, fronds=6):
@@ -407,23 +395,22 @@ def fern(wood, rng, x, z, size, fronds=6):
 
 
 def deep_wood(wood, rng):
-    """The painted depth of the wood, drawn round both ends, under a ragged skyline."""
-    track = [(-13.5, -4.4), (-13.6, -1.2), (-13.4, 2.6), (-11.8, 4.5)]
-    track = track + [(x, 4.5) for x in np.linspace(-6.9, 6.9, 4)] + [(-x, z) for x, z in track[::-1]]
+    """The painted depth of the wood, drawn round both ends, and far conifers that look over it."""
+    west = [(-13.5, -4.4), (-13.6, -1.2), (-13.4, 2.6), (-11.8, 4.5)]
+    track = west + [(x, 4.5) for x in np.linspace(-6.9, 6.9, 4)] + [(-x, z) for x, z in west[::-1]]
     track = [np.array((x, 0.0, z)) for x, z in track]
     steps = lengths(track)
+    wood.hearts["deep"] = (np.array((0.0, -30.0, 50.0)), 0.75)
     tops = [rng.uniform(7.6, 9.0) if i % 2 else rng.uniform(5.8, 7.0) for i in range(len(track))]
     for i in range(len(track) - 1):
         a, b = track[i], track[i + 1]
         corners = [b, a, a + (0, tops[i], 0), b + (0, tops[i + 1], 0)]
-        uvs = [(s / 16.0, place(DEEP, 0, 1 - p[1] / 9.0)[1])
-               for s, p in zip((steps[i + 1], steps[i], steps[i], steps[i + 1]), corners)]
+        uvs = [(steps[k] / 16.0, place(DEEP, 0, 1 - p[1] / 9.0)[1]) for k, p in zip((i + 1, i, i, i + 1), corners)]
         wood.face(corners, uvs, "deep")
         out = np.array((b[2] - a[2], 0, a[0] - b[0]))
-        for k in range(2 if steps[i + 1] - steps[i] > 4.9 else 0 if i in (1, len(track) - 3) else 1):
-            middle = a + (b - a) * rng.uniform(0.1 + 0.4 * k, 0.5 + 0.4 * k) - out / np.linalg.norm(out) * 0.08
+        for _ in range(0 if i in (1, len(track) - 3) else 1):
+            middle = a + (b - a) * rng.uniform(0.2, 0.8) - out / np.linalg.norm(out) * 0.08
             spire(wood, rng, tuple(middle), out, rng.uniform(11.0, 17.0), rng.uniform(1.6, 2.1), rng.uniform(4.8, 6.0))
-    wood.hearts["deep"] = (np.array((0.0, -30.0, 50.0)), 0.75)
 
 
 def canopy(wood, rng):
@@ -448,26 +435,26 @@ def forest():
     deep_wood(wood, rng)
     canopy(wood, rng)
     # fmt: off
-    front = [  # boughs of a conifer's tiers, None for a round tree; x, z, height, half width
+    front = [  # boughs in a conifer's tiers, None for a round tree; x, z, height, half width
         ((5, 5, 4, 3), -14.8, -7.4, 11.5, 1.9), (None, -11.2, -8.4, 8.4, 2.6), ((5, 4, 4, 3, 3), -7.0, -8.0, 13.0, 2.1),
         (None, -2.6, -8.7, 8.8, 2.7), ((5, 4, 4, 3, 3), 1.6, -7.6, 11.2, 2.0), (None, 5.8, -8.5, 7.8, 2.5),
-        ((5, 4, 4, 3, 3), 10.6, -8.2, 13.5, 2.1), (None, 14.3, -7.4, 8.0, 2.4),
+        ((5, 4, 4, 3, 3), 10.6, -8.2, 13.5, 2.1), (None, 14.0, -7.4, 8.0, 2.4),
     ]
     # fmt: on
-    for i, (boughs, x, z, tall, wide) in enumerate(front):
+    for i, (tiers, x, z, tall, wide) in enumerate(front):
         reach = (20.0, 270.0) if i == 0 else (-80.0, 160.0) if i == len(front) - 1 else FRONT
-        if boughs:
-            conifer(wood, rng, x, z, tall, wide, boughs, reach)
+        if tiers:
+            conifer(wood, rng, x, z, tall, wide, tiers, reach)
         else:
             round_tree(wood, rng, x, z, tall, wide, reach)
     for side, tall, behind in ((-1, 14.0, 10.5), (1, 12.5, 12.0)):  # what hides the edges of the deep wood
-        outside = (-20.0, 280.0) if side < 0 else (-100.0, 200.0)
-        conifer(wood, rng, side * 13.6, -4.7, tall, 2.0, (5, 5, 4, 3), outside)
-        bush(wood, rng, side * 13.8, -4.9, 1.3, 1.5, (20.0, 260.0) if side < 0 else (-80.0, 160.0))
-        conifer(wood, rng, side * 13.5, 2.9, behind, 1.9, (4, 3, 3), (70.0, 290.0) if side < 0 else (-110.0, 110.0))
-    for x in (-9.2, -5.0, -0.8, 3.6, 8.2):  # stems of the second row
-        trunk_of(wood, rng, x + rng.uniform(-0.4, 0.4), -3.4 + rng.uniform(-1.0, 1.0), 6.5, 0.24, BARK if rng.random() < 0.5 else SCALES,
-                 (10.0, 170.0), roots=False, sides=3)
+        turned = lambda low, high: (low, high) if side > 0 else (180 - high, 180 - low)
+        conifer(wood, rng, side * 13.6, -4.7, tall, 2.0, (5, 5, 4, 3), turned(-100, 200))
+        bush(wood, rng, side * 13.8, -4.9, 1.3, 1.5, turned(-80, 160))
+        conifer(wood, rng, side * 13.5, 2.9, behind, 1.9, (4, 3, 3), turned(-110, 110))
+    for i, x in enumerate((-9.2, -5.0, -0.8, 3.6, 8.2)):  # stems between the canopy and the deep wood
+        stem(wood, rng, x + rng.uniform(-0.4, 0.4), rng.uniform(0.0, 1.4), 6.3, 0.26, SCALES if i % 2 else BARK,
+             (10.0, 170.0), roots=False, sides=3)
     for x in (-13.0, -4.8, 8.6):
         bush(wood, rng, x, -9.6 + rng.uniform(-0.4, 0.3), rng.uniform(0.9, 1.4), rng.uniform(1.4, 1.8))
     for x in (-8.8, -0.4, 12.4):
