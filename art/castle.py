@@ -101,15 +101,15 @@ def ashlar(panel, seed, course=COURSE, lengths=STONE, joint=0.013, bevel=0.026, 
     edge = inside - joint / 2
     chips = panel.grain(0.10, 65)
     fine = panel.grain(0.028, 66, octaves=2)
+    pits = smoothstep(0.68, 0.80, panel.grain(0.035, 67, octaves=2)) * rough
     # A height in units: bevelled sides, a hewn face; its slopes catch the light.
-    height = 0.5 * bevel * smoothstep(0.0, bevel, edge) + rough * (0.012 * chips + 0.0035 * fine) * smoothstep(0.0, bevel * 2, edge)
+    height = 0.5 * bevel * smoothstep(0.0, bevel, edge) + rough * (0.012 * chips + 0.0035 * fine - 0.004 * pits) * smoothstep(0.0, bevel * 2, edge)
     step = pixel / 2
     up, right = -np.gradient(height, step, axis=0), (np.roll(height, -1, 1) - np.roll(height, 1, 1)) / (2 * step)
     light = 1 + np.clip(-0.62 * up, -0.42, 0.40) + np.clip(0.30 * right, -0.18, 0.16)
     light += 0.10 * (rise - 0.5)
     face = tone * light[..., None] * (1 + 0.26 * rough * (chips - 0.5) + 0.20 * rough * (fine - 0.5))[..., None]
-    pits = smoothstep(0.70, 0.78, panel.grain(0.035, 67, octaves=2)) * rough
-    face = face * (1 - 0.38 * pits)[..., None]
+    face = face * (1 - 0.26 * pits)[..., None]
     vein = np.abs(panel.grain(0.22, 68, octaves=4) - 0.5)
     crack = smoothstep(0.016, 0.004, vein) * (kind > 0.72) * smoothstep(0.2, 0.5, panel.grain(0.5, 69))
     face = face * (1 - 0.5 * crack * rough)[..., None]
@@ -148,8 +148,9 @@ def low():
     moss = smoothstep(0.74, 0.80, patch) * smoothstep(0.75, 0.3, panel.y)
     tuft = mix(rgb("2b3120"), rgb("69733a"), smoothstep(0.25, 0.75, panel.grain(0.03, 23, octaves=2)))
     panel.blend(moss * (0.55 + 0.4 * joints), tuft)
-    blades = panel.y - 0.07 * panel.grain(0.035, 24, octaves=2) - 0.05 * (panel.grain(0.3, 25) - 0.3)
-    panel.blend(smoothstep(0.015, 0.0, blades) * 0.9, mix(rgb("20260f"), rgb("5f6b2e"), smoothstep(0.0, 0.06, panel.y)))
+    blades = panel.grain(0.014, 24, octaves=1) * (0.35 + panel.grain(0.25, 25))   # grass against the stones
+    grass = smoothstep(0.012, -0.004, panel.y - 0.11 * blades)
+    panel.blend(grass * 0.92, mix(rgb("20260f"), rgb("66703a"), smoothstep(0.0, 0.10, panel.y) * panel.grain(0.012, 28, octaves=1)))
     string_course(panel, LOW - 0.085, LOW)
     return panel
 
