@@ -12,18 +12,20 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 
 import numpy as np
 
-from building import SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, centred, ears, outward
-from shared import PALETTE, Sheet, box, loft, mix, rgb, ring, smoothstep, write_bmp
+from building import DETAIL, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, centred, ears, outward
+from shared import PALETTE, SEED, blur, box, loft, mix, rgb, ring, smoothstep, write_bmp
 
 GROUND = -1.567
-DENSITY = 40                       # pixels a unit: a strip is as long as the castle is wide
-LENGTH = 12.5                      # of the strips
-COURSE, STONE = 0.19, (0.22, 0.48)
+SIZE, BORDER = 1024, 4
+LOW = 0.80                         # up to here a player comes near: above it the picture is coarser
+COURSE, STONE = 0.19, (0.24, 0.46)
 
 CURTAIN_TOP, CURTAIN_THICK = 1.90, 0.34
 MERLON, GAP = 0.34, 0.34         # width of a merlon and of the gap beside it
 FRONT, BACK, SIDE = 3.60, -2.50, 3.78
 GATE_X, GATE_HALF, GATE_TOP, GATE_ARCH, GATE_ARCH_TOP = 4.12, 0.86, 2.35, 0.50, 1.45
+COPING, PROUD = 0.16, 0.035      # width of the dressed stones, how far they stand out at the gate
+LAMP_Z, LAMP_Y = 0.75, 1.24
 
 STONES = [PALETTE["stone"] * 1.3, rgb("9c8f86"), rgb("827b85"), rgb("a5948a"), PALETTE["stone"] * 1.1]
 FRAME = rgb("6d5f5a")
@@ -33,81 +35,193 @@ PLUMS = [PALETTE["plum"] * 1.35, PALETTE["plum"] * 1.05, TILE_RED * 1.05, rgb("7
 
 # The picture ------------------------------------------------------------------
 
-def masonry(height, seed):
-    panel = Panel(LENGTH, height, DENSITY, seed)
-    panel.stones(COURSE, STONE, STONES, mortar=0.022, joint=0.95, raised=0.7)
-    stain = smoothstep(0.50, 0.75, panel.grain(0.9, 3))
-    panel.shade(stain * 0.7, np.array((0.76, 0.74, 0.80)))
-    streak = smoothstep(0.52, 0.8, panel.grain(0.22, 4, stretch=7.0))
-    panel.shade(streak * 0.5, 0.72)
-    panel.mottle(2.5, 0.20, 5)
+class Wall(Panel):
+    """A panel that works out only the rows of its noise that it shows: strips are long and low."""
+
+    def grain(self, cell, seed, stretch=1.0, octaves=3):
+        rows, columns = self.x.shape
+        side = max(rows, columns)
+        cells = max(1, round(side / (self.density * DETAIL) / cell))
+        rng = np.random.default_rng(SEED * 1000 + self.seed * 40 + seed)
+        total, weight = np.zeros((rows, columns)), 0.0
+        for octave in range(octaves):
+            n = cells << octave
+            lattice = rng.random((n, n))
+            y = (np.arange(rows) / stretch + 0.5) / side * n
+            x = (np.arange(columns) + 0.5) / side * n
+            y0, x0 = np.floor(y).astype(int), np.floor(x).astype(int)
+            fy, fx = smoothstep(0, 1, y - y0)[:, None], smoothstep(0, 1, x - x0)[None, :]
+            low, high = lattice[y0 % n], lattice[(y0 + 1) % n]
+            along = lambda line: line[:, x0 % n] * (1 - fx) + line[:, (x0 + 1) % n] * fx
+            total += (along(low) * (1 - fy) + along(high) * fy) * 0.5 ** octave
+            weight += 0.5 ** octave
+        return total / weight
+
+
+def strip(height, density, seed, columns=SIZE):
+    """A wall as long as the picture is wide; it goes on from its right end to its left."""
+    return Wall(columns / density, height, density, seed)
+
+
+def ashlar(panel, seed, course=COURSE, lengths=STONE, joint=0.013, bevel=0.026, colours=None, rough=1.0):
+    """Courses of dressed stones with worn edges, lit from the upper left; whole courses, ends that meet."""
+    colours = STONES if colours is None else colours
+    rng = np.random.default_rng(SEED * 900 + seed)
+    pixel = 1.0 / panel.density
+    joint, bevel = max(joint, 0.9 * pixel), max(bevel, 1.6 * pixel)
+    wide, tall = panel.width, panel.height
+    ragged = 0.016 * rough
+    x = panel.x + 0.03 * (panel.grain(0.6, 61) - 0.5) + ragged * (panel.grain(0.045, 62) - 0.5)
+    y = panel.y + 0.03 * (panel.grain(0.7, 63) - 0.5) + ragged * (panel.grain(0.045, 64) - 0.5)
+
+    def cuts(length, count, uneven):
+        parts = rng.uniform(1 - uneven, 1 + uneven, count)
+        return np.concatenate([[0], np.cumsum(parts)]) * length / parts.sum()
+
+    edges = cuts(tall, max(1, round(tall / course)), 0.16)
+    row = np.clip(np.searchsorted(edges, y) - 1, 0, len(edges) - 2)
+    inside, tone = np.zeros_like(x), np.zeros(x.shape + (3,))
+    rise, kind = np.zeros_like(x), np.zeros_like(x)
+    for r in range(len(edges) - 1):
+        here = row == r
+        count = max(2, round(2 * wide / sum(lengths)))
+        ends = cuts(wide, count, (lengths[1] - lengths[0]) / sum(lengths))
+        along = (x[here] + wide / 2 + rng.random() * wide) % wide
+        k = np.clip(np.searchsorted(ends, along) - 1, 0, count - 1)
+        aside = np.minimum(along - ends[k], ends[k + 1] - along)
+        level = np.minimum(y[here] - edges[r], edges[r + 1] - y[here])
+        corner = 0.035
+        straight = np.minimum(aside, level)
+        rounded = corner - np.hypot(np.maximum(corner - aside, 0), np.maximum(corner - level, 0))
+        inside[here] = np.minimum(straight, np.where(straight < corner, rounded, straight))
+        tones = np.array([Panel.stone_tone(rng, colours) for _ in range(count)])
+        tone[here] = tones[k]
+        kind[here] = rng.random(count)[k]
+        rise[here] = (y[here] - edges[r]) / (edges[r + 1] - edges[r])
+    edge = inside - joint / 2
+    chips = panel.grain(0.10, 65)
+    fine = panel.grain(0.028, 66, octaves=2)
+    pits = smoothstep(0.68, 0.80, panel.grain(0.035, 67, octaves=2)) * rough
+    # A height in units: bevelled sides, a hewn face; its slopes catch the light.
+    height = 0.5 * bevel * smoothstep(0.0, bevel, edge) + rough * (0.012 * chips + 0.0035 * fine - 0.004 * pits) * smoothstep(0.0, bevel * 2, edge)
+    step = pixel / 2
+    up, right = -np.gradient(height, step, axis=0), (np.roll(height, -1, 1) - np.roll(height, 1, 1)) / (2 * step)
+    light = 1 + np.clip(-0.62 * up, -0.42, 0.40) + np.clip(0.30 * right, -0.18, 0.16)
+    light += 0.10 * (rise - 0.5)
+    face = tone * light[..., None] * (1 + 0.26 * rough * (chips - 0.5) + 0.20 * rough * (fine - 0.5))[..., None]
+    face = face * (1 - 0.26 * pits)[..., None]
+    vein = np.abs(panel.grain(0.22, 68, octaves=4) - 0.5)
+    crack = smoothstep(0.016, 0.004, vein) * (kind > 0.72) * smoothstep(0.2, 0.5, panel.grain(0.5, 69))
+    face = face * (1 - 0.5 * crack * rough)[..., None]
+    bed = PALETTE["stone_dark"] * 0.64 * (0.8 + 0.5 * fine)[..., None]
+    solid = smoothstep(-0.55 * pixel, 0.75 * pixel, edge)
+    panel.picture = mix(bed, face, solid)
+    panel.edge, panel.fine = edge, fine
     return panel
+
+
+def weathered(panel, seed):
+    """Stains that run down and broad differences of tone."""
+    stain = smoothstep(0.50, 0.75, panel.grain(0.9, 3))
+    panel.shade(stain * 0.6, np.array((0.80, 0.78, 0.84)))
+    streak = smoothstep(0.55, 0.8, panel.grain(0.22, 4, stretch=5.0))
+    panel.shade(streak * 0.4, 0.76)
+    panel.mottle(2.5, 0.16, 5)
+    return panel
+
+
+def masonry(height, density, seed, columns=SIZE):
+    return weathered(ashlar(strip(height, density, seed, columns), seed), seed)
 
 
 def slit(panel, x, y, width=0.20, height=0.46):
     panel.window(x, y, width, height, columns=1, rows=2, arched=True, halo=0.40, frame=0.05, trim=FRAME)
 
 
+def low():
+    """The foot of all walls up to a player's eyes: the finest masonry, under a string course."""
+    panel = masonry(LOW, 192, 1)
+    joints = smoothstep(0.02, -0.004, panel.edge)
+    level = panel.y + 0.35 * (panel.grain(0.35, 21) - 0.5)
+    panel.shade(smoothstep(0.5, 0.0, level) * 0.8, np.array((0.72, 0.68, 0.64)))
+    patch = panel.grain(0.22, 22) + 0.25 * joints + 0.30 * smoothstep(0.45, 0.0, panel.y)
+    moss = smoothstep(0.74, 0.80, patch) * smoothstep(0.75, 0.3, panel.y)
+    tuft = mix(rgb("2b3120"), rgb("69733a"), smoothstep(0.25, 0.75, panel.grain(0.03, 23, octaves=2)))
+    panel.blend(moss * (0.55 + 0.4 * joints), tuft)
+    blades = panel.grain(0.014, 24, octaves=1) * (0.35 + panel.grain(0.25, 25))   # grass against the stones
+    grass = smoothstep(0.012, -0.004, panel.y - 0.11 * blades)
+    panel.blend(grass * 0.92, mix(rgb("20260f"), rgb("66703a"), smoothstep(0.0, 0.10, panel.y) * panel.grain(0.012, 28, octaves=1)))
+    string_course(panel, LOW - 0.085, LOW)
+    return panel
+
+
+def string_course(panel, foot, head):
+    """A band of long dressed stones: light above, its shadow below."""
+    panel.shade(smoothstep(foot - 0.07, foot, panel.y) * (panel.y < foot), 0.50)
+    across = (panel.x + 0.02 * (panel.grain(0.3, 26) - 0.5)) / (panel.width / round(panel.width / 0.47))
+    joint = np.abs(across - np.round(across)) * 0.47
+    tone = 0.92 + 0.25 * (panel.grain(0.12, 27) - 0.5) + 0.22 * (panel.fine - 0.5)
+    rise = (panel.y - foot) / (head - foot)
+    tone = tone * (1 + 0.30 * smoothstep(0.72, 0.9, rise) - 0.34 * smoothstep(0.25, 0.05, rise))
+    tone = tone * (1 - 0.6 * smoothstep(0.010, 0.004, joint))
+    panel.blend(smoothstep(foot - 0.004, foot + 0.002, panel.y) * (panel.y < head), rgb("a89a8c") * tone[..., None])
+
+
 def curtain():
-    panel = masonry(1.95, 1)
-    for x in np.arange(-5.6, 6, 1.62):
-        slit(panel, x + 0.3 * np.sin(5 * x), 0.98, 0.13, 0.42)
-    band = panel.box(-9, 1.66, 9, 1.76, soft=0.015)
-    panel.shade(panel.box(-9, 1.50, 9, 1.68, soft=0.06), 0.62)
-    panel.blend(band, rgb("a2968a") * (0.8 + 0.3 * panel.grain(0.2, 7))[..., None])
-    panel.ground_dirt(0.6, 0.8)
+    panel = masonry(1.95 - LOW, 104, 2)
+    for x in np.arange(-4.6, 4.6, 1.3):
+        slit(panel, x + 0.2 * np.sin(5 * x), 0.98 - LOW, 0.13, 0.42)
+    string_course(panel, 1.66 - LOW, 1.76 - LOW)
     return panel
 
 
 def tower():
-    panel = masonry(3.2, 2)
-    for x, y in ((-5.3, 1.3), (-4.1, 2.35), (-2.9, 1.15), (-1.75, 2.2), (-0.5, 1.45),
-                 (0.75, 2.45), (1.8, 1.2), (3.05, 2.1), (4.2, 1.35), (5.35, 2.4)):
-        slit(panel, x, y, 0.24, 0.50)
-    panel.ground_dirt(0.8, 0.8)
+    panel = masonry(3.2 - LOW, 72, 3)
+    for k in range(12):
+        slit(panel, -6.4 + 1.185 * k, (0.42, 1.50, 0.30, 1.62)[k % 4], 0.24, 0.50)
     return panel
 
 
 def upper():
-    panel = masonry(2.0, 3)
-    for x in np.arange(-5.5, 6, 1.22):
-        slit(panel, x, 0.42 + 0.75 * (round(x / 1.22) % 2), 0.25, 0.52)
+    panel = masonry(2.0, 48, 4)
+    for k in range(18):
+        slit(panel, -10.1 + 1.185 * k, 0.42 + 0.75 * (k % 2), 0.25, 0.52)
     return panel
 
 
 def drum():
     """The top storey of a tower: a ring of lit windows under the roof."""
-    panel = masonry(0.62, 4)
-    for x in np.arange(-6.0, 6.1, 0.54):
+    panel = masonry(0.62, 80, 5, 504)
+    for x in np.arange(-2.97, 3.0, 0.54):
         slit(panel, x, 0.14, 0.17, 0.34)
     panel.eaves_shadow(0.66, 0.25, 0.5)
     return panel
 
 
 def corbel():
-    panel = masonry(0.30, 5)
+    panel = masonry(0.30, 80, 6, 504)
     tooth = np.abs(((panel.x / 0.20) % 1) - 0.5) * 2
-    arch = smoothstep(0.28, 0.38, tooth) * smoothstep(0.24, 0.16, panel.y)
-    panel.blend(arch * 0.75, PALETTE["soot"] * 1.3)
+    arch = smoothstep(0.30, 0.36, tooth) * smoothstep(0.22, 0.18, panel.y)
+    panel.blend(arch * 0.85, PALETTE["soot"] * 1.3)
     panel.shade(smoothstep(0.15, 0.0, panel.y), 0.7)
     return panel
 
 
 def parapet():
     """Merlons: light on their upper edge."""
-    panel = masonry(0.42, 6)
-    panel.glow(smoothstep(0.30, 0.40, panel.y) * 0.28, PALETTE["cream"])
+    panel = masonry(0.42, 80, 7, 504)
+    panel.glow(smoothstep(0.33, 0.40, panel.y) * 0.28, PALETTE["cream"])
     return panel
 
 
 def paving():
-    panel = Panel(2.9, 2.9, DENSITY * 0.72, 7)
+    panel = Panel(2.9, 2.9, 28, 8)
     panel.stones(0.3, (0.3, 0.6), [PALETTE["stone"], PALETTE["stone_dark"] * 1.2], mortar=0.04, raised=0.3)
     return panel
 
 
 def roof(colours, seed):
-    panel = Panel(2.2, 2.6, DENSITY, seed)
+    panel = Panel(2.2, 2.6, 52, seed)
     panel.shingles(0.20, 0.20, colours)
     panel.shade(smoothstep(0.12, 0.0, panel.y), 0.7)
     panel.glow(smoothstep(1.2, 2.6, panel.y) * 0.12, PALETTE["cream"])
@@ -115,129 +229,237 @@ def roof(colours, seed):
 
 
 def slate():
-    return roof(SLATES, 8)
+    return roof(SLATES, 9)
 
 
 def plum():
-    return roof(PLUMS, 9)
+    return roof(PLUMS, 10)
 
 
-def gate_front():
-    """The wall round the gate: an arch of large stones, torches, a coat of arms."""
-    panel = Panel(1.8, 2.4, DENSITY, 10)
-    panel.stones(COURSE, STONE, STONES, mortar=0.022, joint=0.95, raised=0.7)
-    distance = panel.arch_distance(0, 0, GATE_ARCH * 2, GATE_ARCH_TOP)
-    angle = np.arctan2(panel.sway_y - (GATE_ARCH_TOP - GATE_ARCH), panel.sway_x)
-    upright = panel.sway_y < GATE_ARCH_TOP - GATE_ARCH
-    block = np.where(upright, panel.sway_y / 0.19, angle / 0.30)
-    joint = smoothstep(0.10, 0.03, np.abs(block - np.round(block)))
-    panel.shade(smoothstep(0.30, 0.14, distance), 0.6)
-    panel.blend(smoothstep(0.17, 0.15, distance), (rgb("b0a294") * (1 - 0.5 * joint)[..., None]))
-    panel.shade(smoothstep(0.05, 0.0, distance), 0.5)
-    shield = np.maximum(np.abs(panel.sway_x) / 0.20, np.abs(panel.sway_y - 1.98) / 0.24
-                        + np.maximum(0, 1.9 - panel.sway_y) * np.abs(panel.sway_x) * 14)
-    panel.blend(smoothstep(1.15, 1.08, shield), PALETTE["glow"] * 0.9)
-    panel.blend(smoothstep(0.93, 0.86, shield), rgb("7a2f45"))
-    paw(panel, 0, 1.95, 0.11, PALETTE["glow"])
-    for side in (-1, 1):
-        panel.lantern(side * 0.76, 1.25)
-    panel.ground_dirt(0.5, 0.8)
+def coping():
+    """Long dressed stones: the gate's arch and the top of the approach's walls."""
+    panel = ashlar(strip(COPING, 192, 11), 11, course=COPING, lengths=(0.17, 0.26), joint=0.012, bevel=0.030,
+                   colours=[rgb("b5a797"), rgb("a49584"), rgb("bdb0a2"), rgb("9a8d84")])
+    panel.mottle(0.7, 0.14, 5)
     return panel
 
 
-def paw(panel, x, y, size, colour):
+def gate_front():
+    """The wall over the gate, from the string course up."""
+    panel = weathered(ashlar(Wall(1.74, GATE_TOP + 0.02 - LOW, 160, 12), 12), 12)
+    away = np.hypot(panel.x, panel.y - (GATE_ARCH_TOP - GATE_ARCH - LOW))
+    panel.shade(smoothstep(GATE_ARCH + 0.26, GATE_ARCH + 0.14, away), 0.58)   # under the arch's ring
+    for side in (-1, 1):
+        panel.glow(0.75 * np.exp(-np.hypot(panel.x - side * LAMP_Z, panel.y - LAMP_Y - 0.1 + LOW) / 0.20), PALETTE["ember"])
+    panel.shade(smoothstep(0.34, 0.20, np.maximum(np.abs(panel.x), np.abs(panel.y - 1.98 + LOW))), 0.7)
+    panel.eaves_shadow(GATE_TOP - LOW, 0.22, 0.62)
+    return panel
+
+
+def shield():
+    """The town's arms: a golden paw on plum."""
+    panel = Panel(0.46, 0.56, 184, 13)
+    outline = lambda grow: np.maximum(np.abs(panel.x) - 0.20 - grow, np.maximum(
+        panel.y - 0.53 - grow, 0.23 - grow * 1.4 - panel.y - (0.20 - np.abs(panel.x)) * 1.05))
+    panel.picture = np.ones_like(panel.picture) * PALETTE["glow"] * 0.86
+    panel.picture = panel.picture * (0.8 + 0.35 * panel.y / 0.56)[..., None]
+    panel.shade(smoothstep(-0.052, -0.045, outline(0.0)) * smoothstep(-0.02, -0.045, outline(0.0)), 0.55)
+    field = smoothstep(-0.040, -0.047, outline(0.0))
+    panel.blend(field, mix(rgb("5e2138"), rgb("8f3450"), smoothstep(0.1, 0.5, panel.y + 0.5 * panel.x)))
+    paw(panel, 0, 0.315, 0.118, rgb("3a1526"), 0.014)
+    paw(panel, 0, 0.325, 0.118, PALETTE["glow"])
+    return panel
+
+
+def paw(panel, x, y, size, colour, shift=0.0):
     """The town's device, a paw: one pad and four toes."""
     spots = [(0, -0.25, 0.55)] + [(np.sin(a) * 0.95, np.cos(a) * 0.85 - 0.05, 0.27) for a in (-1.0, -0.35, 0.35, 1.0)]
+    pixel = 1 / panel.density
     for dx, dy, r in spots:
-        away = np.hypot(panel.sway_x - x - dx * size, panel.sway_y - y - dy * size)
-        panel.blend(smoothstep(r * size * 1.12, r * size * 0.88, away), colour)
+        away = np.hypot(panel.x - x - dx * size - shift, panel.y - y - dy * size)
+        panel.blend(smoothstep(r * size + 0.6 * pixel, r * size - 0.6 * pixel, away), colour)
 
 
 def portcullis():
-    panel = Panel(1.1, 1.5, DENSITY, 11)
-    away = np.hypot(panel.x * 1.5, panel.y - 0.55)
-    panel.picture = mix(rgb("ffdf8e"), PALETTE["ember"] * 0.9, smoothstep(0.0, 0.7, away))
-    panel.picture = mix(panel.picture, rgb("4a2320"), smoothstep(0.5, 1.15, away))
-    panel.shade(smoothstep(0.25, 0.0, panel.y), 0.45)
-    grid = np.minimum(np.abs(((panel.sway_x / 0.2) % 1) - 0.5) * 0.2, np.abs((((panel.sway_y - 0.1) / 0.24) % 1) - 0.5) * 0.24)
-    panel.blend(smoothstep(0.040, 0.024, grid) * smoothstep(0.42, 0.46, panel.sway_y), PALETTE["soot"])
-    tooth = np.abs(((panel.sway_x / 0.2) % 1) - 0.5) * 0.2
-    panel.blend(smoothstep(0.035, 0.02, tooth + 0.3 * np.maximum(0, 0.42 - panel.sway_y)) * smoothstep(0.33, 0.36, panel.sway_y),
-                PALETTE["soot"])
+    """A grating of round iron bars before a lit passage, its teeth above the threshold."""
+    panel = Panel(1.08, 1.48, 190, 14)
+    x, y = panel.x, panel.y
+    # The passage: flags, walls that run to a bright court.
+    depth = np.hypot(x * 1.35, y - 0.50)
+    panel.picture = mix(rgb("ffe7a0"), rgb("f0a24a"), smoothstep(0.05, 0.34, depth))
+    panel.picture = mix(panel.picture, rgb("a3542a"), smoothstep(0.30, 0.62, depth))
+    panel.picture = mix(panel.picture, rgb("4d2622"), smoothstep(0.55, 1.05, depth))
+    arch = np.where(y > 0.62, np.hypot(x, y - 0.62) - 0.17, np.abs(x) - 0.17)
+    ribs = np.log(np.maximum(arch + 0.17, 0.02) / 0.17) / 0.42
+    edge = np.abs(ribs - np.round(ribs))
+    outside = smoothstep(0.0, 0.03, arch) * smoothstep(0.28, 0.34, y)
+    panel.shade(outside * smoothstep(0.10, 0.04, edge), 0.72)
+    panel.glow(outside * smoothstep(0.05, 0.10, edge) * smoothstep(0.20, 0.12, edge) * 0.25, PALETTE["glow"])
+    fan = np.arctan2(x, 0.50 - y + 0.10) / 0.26
+    floor = smoothstep(0.40, 0.36, y)
+    run = 0.22 / np.maximum(0.47 - y, 0.02)
+    joint = np.minimum(np.abs(fan - np.round(fan)) * 0.30 * (0.55 - y), np.abs(run * 2.0 - np.round(run * 2.0)) * (0.47 - y) ** 2 * 1.6)
+    panel.shade(floor * smoothstep(0.012, 0.005, joint), 0.62)
+    panel.shade(smoothstep(0.30, 0.0, y) * 0.8, 0.55)
+
+    def bar(away, half, lit):
+        """A round iron: shaded across, a warm rim on the court's side."""
+        mask = smoothstep(half + 0.003, half - 0.003, np.abs(away))
+        across = away / half
+        tone = 0.75 + 0.75 * np.sqrt(np.clip(1 - (across + lit) ** 2, 0, 1)) * 0.6
+        iron = rgb("2a2529") * tone[..., None] + rgb("c9702e") * (0.35 * smoothstep(0.45, 0.95, np.abs(across)))[..., None]
+        panel.blend(mask * grate, iron)
+
+    grate = smoothstep(0.338, 0.344, y)
+    step_x, step_y = 0.18, 0.215
+    away_x, away_y = x - np.round(x / step_x) * step_x, (y - 0.44) - np.round((y - 0.44) / step_y) * step_y
+    panel.shade(smoothstep(0.05, 0.02, np.minimum(np.abs(away_x), np.abs(away_y) + 9 * (y < 0.40))) * grate, 0.6)
+    above = smoothstep(0.40, 0.405, y)
+    grate = smoothstep(0.338, 0.344, y) * above
+    bar(away_y, 0.024, -0.3)
+    grate = np.ones_like(y)
+    taper = np.clip((y - 0.30) / 0.09, 0, 1)               # the bars end in points
+    mask_half = 0.027 * taper
+    bar(np.where(taper > 0.02, away_x / np.maximum(taper, 0.02), 9.0), 0.027, 0.3)
+    knot = np.hypot(away_x, away_y) - 0.036
+    panel.blend(smoothstep(0.003, -0.003, knot) * above, rgb("3d353a") * (0.9 + 0.5 * smoothstep(-0.02, 0.03, away_y - away_x))[..., None])
     return panel
 
 
 def reveal():
-    panel = Panel(3.6, 0.4, DENSITY, 12)
-    panel.stones(0.2, (0.2, 0.34), STONES, mortar=0.03)
-    panel.shade(smoothstep(0.4, 0.0, panel.y), np.array((0.75, 0.5, 0.38)))
+    """The inside of the arch, warm from the passage's light at its inner edge."""
+    panel = ashlar(strip(0.38, 128, 15, 504), 15, course=0.19, lengths=(0.17, 0.26))
+    panel.picture = mix(panel.picture * np.array((1.0, 0.72, 0.52)), panel.picture, smoothstep(0.0, 0.38, panel.y))
+    panel.glow(smoothstep(0.22, 0.0, panel.y) * 0.22, PALETTE["ember"])
     return panel
 
 
 def banner():
     """Hangs from the battlements: a paw of gold on plum."""
-    panel = Panel(0.44, 1.24, DENSITY * 1.5, 13)
+    panel = Wall(0.44, 1.24, 200, 16)
     panel.picture = np.ones_like(panel.picture) * rgb("8a3350")
+    weave = panel.grain(0.012, 7, octaves=1)
     fold = np.sin(panel.sway_x * 24 + 1.2 * panel.sway_y)
-    panel.picture = panel.picture * (0.92 + 0.20 * fold)[..., None]
-    edge = np.abs(np.abs(panel.sway_x) - 0.18)
-    panel.blend(smoothstep(0.025, 0.012, edge), PALETTE["glow"] * 0.9)
+    panel.picture = panel.picture * (0.90 + 0.22 * fold + 0.12 * (weave - 0.5))[..., None]
+    gold = PALETTE["glow"] * 0.9 * (0.9 + 0.2 * fold)[..., None]
+    edge = np.abs(np.abs(panel.x) - 0.18)
+    panel.shade(smoothstep(0.030, 0.020, edge), 0.6)
+    panel.blend(smoothstep(0.018, 0.013, edge), gold)
+    paw(panel, 0, 0.735, 0.13, rgb("4a1a2c"), 0.010)
     paw(panel, 0, 0.74, 0.13, PALETTE["glow"])
     for y in (0.30, 0.42):
-        panel.blend(smoothstep(0.03, 0.015, np.abs(panel.sway_y - y)), PALETTE["glow"] * 0.85)
+        panel.blend(smoothstep(0.022, 0.016, np.abs(panel.y - y)), gold)
     panel.shade(smoothstep(1.05, 1.24, panel.y), 0.7)
     return panel
 
 
 def pennant():
-    panel = Panel(0.9, 0.42, DENSITY, 14)
+    panel = Panel(0.9, 0.42, 60, 17)
     panel.picture = mix(rgb("a5405c"), rgb("d9893c"), smoothstep(-0.03, 0.03, 0.07 - np.abs(panel.y - 0.21))) \
         * (0.9 + 0.2 * np.sin(panel.x * 14))[..., None]
     return panel
 
 
 def wood():
-    panel = Panel(2.2, 0.4, DENSITY, 15)
+    panel = Panel(2.2, 0.4, 48, 18)
     panel.planks(0.16, PALETTE["oak"], level=True)
     return panel
 
 
 def verge():
-    panel = Panel(2.2, 0.12, DENSITY, 19)
+    panel = Panel(2.2, 0.12, 48, 19)
     panel.planks(0.5, PALETTE["oak"] * 1.1, level=True)
     return panel
 
 
 def underside():
-    panel = Panel(LENGTH, 0.22, DENSITY, 16)
+    panel = strip(0.22, 80, 20, 504)
     panel.planks(0.2, PALETTE["oak_dark"] * 1.25)
     panel.shade(smoothstep(0.0, 0.22, panel.y), 0.5)
     return panel
 
 
+def lamp_post():
+    """One side of a lamp's post: quoins, light at the top where the lamp hangs over."""
+    panel = ashlar(Wall(0.36, 0.86, 250, 21), 21, course=0.165, lengths=(0.17, 0.19), joint=0.009, bevel=0.020, rough=0.8,
+                   colours=[rgb("a2958a"), rgb("8c8078"), rgb("b0a294"), rgb("7f7679")])
+    panel.mottle(0.3, 0.16, 5)
+    panel.shade(smoothstep(0.45, 0.0, panel.y + 0.2 * (panel.grain(0.2, 6) - 0.5)), np.array((0.70, 0.66, 0.62)))
+    patch = panel.grain(0.12, 22) + 0.35 * smoothstep(0.30, 0.0, panel.y)
+    panel.blend(smoothstep(0.80, 0.88, patch) * 0.7,
+                mix(rgb("2b3120"), rgb("69733a"), smoothstep(0.25, 0.75, panel.grain(0.02, 23, octaves=2))))
+    panel.glow(smoothstep(0.50, 0.86, panel.y) * 0.16, PALETTE["ember"])
+    return panel
+
+
 def lamp():
-    panel = Panel(0.4, 0.4, DENSITY, 17)
-    away = np.hypot(panel.x, panel.y - 0.2)
-    panel.picture = mix(rgb("ffdc80"), PALETTE["ember"], smoothstep(0.03, 0.22, away))
-    panel.blend(smoothstep(0.15, 0.18, np.abs(panel.x)), PALETTE["soot"])
+    """A pane of a lamp in its iron frame, the flame behind it."""
+    panel = Panel(0.28, 0.34, 220, 22)
+    x, y = panel.x, panel.y - 0.02
+    flame = np.hypot(x / 0.55, (y - 0.11) / (1.0 + 0.8 * (y > 0.11)))
+    panel.picture = mix(rgb("fff3bf"), rgb("ffc765"), smoothstep(0.03, 0.10, flame))
+    panel.picture = mix(panel.picture, PALETTE["ember"], smoothstep(0.08, 0.24, flame))
+    panel.shade(smoothstep(0.022, 0.0, np.abs(np.abs(x) - 0.105)), 0.6)
+    iron = np.maximum(np.abs(x) - 0.100, np.abs(y - 0.14) - 0.125)
+    bars = np.minimum(np.abs(np.abs(x) - 0.0), np.abs(y - 0.19))
+    panel.blend(smoothstep(0.008, 0.005, bars) * 0.85, rgb("2a2227"))
+    panel.blend(smoothstep(-0.010, -0.006, iron), rgb("2d262b") * (1.0 + 0.8 * smoothstep(0.0, 0.3, y))[..., None])
     return panel
 
 
 def upper_gable():
     """A gable end with one large arched window."""
-    panel = Panel(1.5, 2.3, DENSITY, 18)
-    panel.stones(COURSE, STONE, STONES, mortar=0.022, joint=0.95, raised=0.7)
+    panel = weathered(ashlar(Wall(1.5, 2.3, 64, 23), 23), 23)
     panel.window(0.0, 0.85, 0.42, 0.80, columns=2, rows=3, arched=True, halo=0.40, frame=0.06, trim=FRAME)
     return panel
 
 
-PANELS = [verge, upper_gable, tower, slate, plum, upper, curtain, gate_front, portcullis, banner, paving,
-          drum, parapet, corbel, underside, reveal, pennant, wood, lamp]
+WRAPPED = [low, curtain, tower, upper, coping]   # as wide as the picture
+
+
+class Plan(Atlas):
+    """A picture with its panels at chosen places; wrapped strips have borders above and below only."""
+
+    def put(self, paint, x, y):
+        """The panel with its border's top left corner at (x, y); returns its border's far corner."""
+        panel, b = paint(), self.border
+        h, w = panel.pixels
+        picture = panel.kept()
+        picture = np.clip(picture + 0.45 * (picture - blur(picture, 0.8)), 0, 1)
+        side = 0 if w == self.size else b
+        block = np.pad(picture, ((b, b), (side, side), (0, 0)), mode="edge")
+        far = x + w + 2 * side, y + h + 2 * b
+        assert far[0] <= self.size and far[1] <= self.size, f"no room for {paint.__name__}"
+        assert not self.taken[y:far[1], x:far[0]].any(), f"{paint.__name__} lies on another panel"
+        self.taken[y:far[1], x:far[0]] = True
+        self.picture[y:far[1], x:far[0]] = block
+        self.places[paint.__name__] = (x + side, y + b, w, h)
+        self.densities[paint.__name__] = panel.density
+        return far
 
 
 def picture():
-    atlas = Atlas(512, border=2)
-    atlas.place_all({paint.__name__: paint() for paint in PANELS})
+    atlas = Plan(SIZE, BORDER)
+    atlas.taken = np.zeros((SIZE, SIZE), dtype=bool)
+    y = 0
+    for paint in WRAPPED:
+        y = atlas.put(paint, 0, y)[1]
+    x, low_edge = atlas.put(drum, 0, y)
+    _, lower = atlas.put(corbel, x, y)
+    _, lower = atlas.put(underside, x, lower)
+    y = max(low_edge, lower)
+    x, low_edge = atlas.put(parapet, 0, y)
+    _, lower = atlas.put(reveal, x, y)
+    y, x = max(low_edge, lower), 0
+    for column in ((portcullis,), (gate_front, wood), (lamp_post,), (banner,), (slate, plum), (upper_gable, shield), (lamp, pennant, paving)):
+        top, across = y, x
+        for paint in column:
+            far, top = atlas.put(paint, x, top)
+            across = max(across, far)
+        x = across
+    x_wood, y_wood, w_wood, _ = atlas.places["wood"]
+    atlas.put(verge, x_wood + w_wood + BORDER, y_wood - BORDER)
+    print(f"brick.bmp: {SIZE - x} columns free right of its small panels, {SIZE - y} rows for them")
     return atlas
 
 
@@ -254,8 +476,9 @@ class Mason(Builder):
     def along(self, panel, start, length):
         """uv(s, height): s 0..1 along `length` units of a strip from `start` on."""
         x, y, w, h = self.atlas.places[panel]
-        density = self.atlas.densities[panel]
-        sheet, left = Sheet(self.atlas.size, density), x + start % max(w / density - length, 0.01) * density
+        sheet = self.atlas.sheet(panel)
+        density, long = sheet.density, w / sheet.density
+        left = x + (start % long if w == SIZE else start % max(long - length, 0.01)) * density
         return lambda s, up: sheet.uv(left + s * length * density, y + h - min(up * density, h))
 
     def barrel(self, panel, x, z, radii, heights, sides, foot=None):
@@ -283,7 +506,8 @@ class Mason(Builder):
     def tower(self, x, z, radius, top, tip=None, roof="slate", sides=10, base=0.0, shaft="tower", crown=1.18):
         """A round tower whose shaft ends at `top`; tip is its roof's, or None for battlements."""
         if base == 0.0:
-            self.barrel(shaft, x, z, [radius * 1.14, radius, radius * 0.95], [0, 0.55, top], sides)
+            self.barrel("low", x, z, [radius * 1.12, radius], [0, LOW], sides)
+            self.barrel(shaft, x, z, [radius, radius * 0.95], [LOW, top], sides)
         else:
             self.barrel(shaft, x, z, [radius * 0.95, radius * 0.95], [base, top], sides)
         wide = radius * crown
@@ -323,18 +547,20 @@ class Mason(Builder):
                               np.add(a, b) / 2 - middle)
         self.wall("paving", [lift(p, high) for p in corners], (0, 1, 0), lift(middle, high) + (0, 0, 1.0))
 
-    def curtain(self, a, b, top=CURTAIN_TOP, thick=CURTAIN_THICK, panel="curtain"):
-        """A battlemented wall from a to b (x, z), its outer face to the right of the way."""
+    def curtain(self, a, b, top=CURTAIN_TOP, thick=CURTAIN_THICK, merlons=True):
+        """A battlemented wall along the line from a to b (x, z), its outer face to the left of the way."""
         a, b = np.array((a[0], 0, a[1]), dtype=float), np.array((b[0], 0, b[1]), dtype=float)
         length = np.linalg.norm(b - a)
         way = (b - a) / length
-        out = np.array((-way[2], 0, way[0]))
-        up = np.array((0, top, 0))
-        self.straight(panel, a + out * 0.08, b + out * 0.08, a + up, b + up, out)
+        out = np.array((way[2], 0, -way[0]))
+        a, b = a + out * thick / 2, b + out * thick / 2
+        up, ledge = np.array((0, top, 0)), np.array((0, LOW, 0)) + out * 0.03
+        self.straight("low", a + out * 0.08, b + out * 0.08, a + ledge, b + ledge, out)
+        self.straight("curtain", a + ledge, b + ledge, a + up, b + up, out, LOW)
         inner_a, inner_b = a - out * thick, b - out * thick
-        self.straight(panel, inner_b, inner_a, inner_b + up, inner_a + up, -out)
+        self.straight("tower", inner_b, inner_a, inner_b + up, inner_a + up, -out)
         self.walk(a + up, b + up, inner_b + up, inner_a + up)
-        count = int((length + GAP) / (MERLON + GAP))
+        count = int((length + GAP) / (MERLON + GAP)) if merlons else 0
         first = (length - count * MERLON - (count - 1) * GAP) / 2
         for k in range(count):
             p = a + way * (first + k * (MERLON + GAP))
@@ -363,39 +589,86 @@ def curtain_walls(m):
     m.curtain((FRONT, -SIDE + 0.45), (FRONT, -1.6))
     m.curtain((FRONT - 0.4, SIDE), (BACK + 0.4, SIDE))
     m.curtain((BACK + 0.4, -SIDE), (FRONT - 0.4, -SIDE))
-    m.curtain((BACK, SIDE - 0.4), (BACK, -SIDE + 0.4))
+    m.curtain((BACK, SIDE - 0.4), (BACK, -SIDE + 0.4), merlons=False)  # no player ever comes behind
 
 
 def corner_towers(m):
     m.tower(FRONT, SIDE, 0.60, 2.75, tip=5.35, roof="plum")
     m.tower(FRONT, -SIDE, 0.66, 2.60, crown=1.16)
-    m.tower(BACK, SIDE, 0.56, 3.0, tip=5.9, roof="slate")
-    m.tower(BACK, -SIDE, 0.56, 3.2, tip=6.4, roof="slate")
+    m.tower(BACK, SIDE, 0.56, 3.0, tip=5.9, roof="slate", sides=8)
+    m.tower(BACK, -SIDE, 0.56, 3.2, tip=6.4, roof="slate", sides=8)
 
 
 def gatehouse(m):
     for side in (-1, 1):
         m.tower(GATE_X - 0.12, side * 1.26, 0.47, 2.45, tip=4.75, roof="plum", crown=1.14)
     arch = [(GATE_ARCH * np.cos(a), GATE_ARCH_TOP - GATE_ARCH + GATE_ARCH * np.sin(a))
-            for a in np.linspace(np.pi, 0, 8)]
-    arch = [(-GATE_ARCH, 0.0)] + arch + [(GATE_ARCH, 0.0)]
-    # The wall's outline runs round the arch; u is -z as seen from the town.
-    outline = [(-GATE_HALF, 0.0)] + arch + [(GATE_HALF, 0.0), (GATE_HALF, GATE_TOP), (-GATE_HALF, GATE_TOP)]
+            for a in np.linspace(np.pi, 0, 9)]
+    # Outlines run in u, which is -z as seen from the town.
     point = lambda u, y, x=GATE_X: np.array((x, y, -u))
+    outline = [(-GATE_HALF, LOW), (-GATE_ARCH, LOW)] + arch + [(GATE_ARCH, LOW), (GATE_HALF, LOW),
+                                                            (GATE_HALF, GATE_TOP), (-GATE_HALF, GATE_TOP)]
     for triangle in ears(outline):
-        m.wall("gate_front", [point(*outline[i]) for i in triangle], (1, 0, 0), (GATE_X, 0, 0))
-    depth, run = 0.34, 0.0
-    for (u0, y0), (u1, y1) in zip(arch, arch[1:]):
-        quad = [point(u0, y0, GATE_X - depth), point(u1, y1, GATE_X - depth), point(u1, y1), point(u0, y0)]
-        inward = np.array((0, 0.5 - (y0 + y1) / 2, (u0 + u1) / 2))
-        points = outward(quad, inward)
-        m.mesh.face(points, m.atlas.strip("reveal", points, run % 1.5))
-        run += np.hypot(u1 - u0, y1 - y0)
-    back = [point(u, y, GATE_X - depth) for u, y in arch]
-    m.wall("portcullis", back, (1, 0, 0), (GATE_X - depth, 0, 0))
+        m.wall("gate_front", [point(*outline[i]) for i in triangle], (1, 0, 0), (GATE_X, LOW, 0))
+    for u0, u1 in ((-GATE_HALF, -GATE_ARCH), (GATE_ARCH, GATE_HALF)):
+        m.straight("low", point(u0, 0), point(u1, 0), point(u0, LOW), point(u1, LOW), (1, 0, 0))
+    gate_arch(m, point, [(-GATE_ARCH, 0.0)] + arch + [(GATE_ARCH, 0.0)])
     gate_roof(m)
     for side in (-1, 1):
         hang_banner(m, GATE_X + 0.36, side * 1.26, 2.30)
+
+
+def gate_arch(m, point, inner):
+    """The ring of dressed stones that stands out round the gate, its inside, and the grating."""
+    wide, depth, face = COPING, 0.34, GATE_X + PROUD
+    middle = GATE_ARCH_TOP - GATE_ARCH
+    outer = [(u * (1 + wide / GATE_ARCH), y if y < middle else middle + (y - middle) * (1 + wide / GATE_ARCH)) for u, y in inner]
+    run, inside = 0.0, 0.0
+    for k in range(len(inner) - 1):
+        (a0, b0), (a1, b1), (c0, d0), (c1, d1) = inner[k], inner[k + 1], outer[k], outer[k + 1]
+        step = (np.hypot(a1 - a0, b1 - b0) + np.hypot(c1 - c0, d1 - d0)) / 2
+        lip = np.array((0, (d0 + d1) / 2 - middle if d0 + d1 > 2 * middle else 0.0, -(c0 + c1) / 2))
+        places = m.along("coping", run, step)
+        m.face_towards([point(a0, b0, face), point(a1, b1, face), point(c1, d1, face), point(c0, d0, face)],
+                       [places(0, 0), places(1, 0), places(1, wide), places(0, wide)], (1, 0, 0))
+        m.face_towards([point(c0, d0, face), point(c1, d1, face), point(c1, d1), point(c0, d0)],
+                       [places(0, wide - PROUD), places(1, wide - PROUD), places(1, wide), places(0, wide)], lip)
+        length = np.hypot(a1 - a0, b1 - b0)
+        places = m.along("reveal", 0.0, 3.7)
+        s0, s1 = inside / 3.7, (inside + length) / 3.7
+        m.face_towards([point(a0, b0, GATE_X - depth), point(a1, b1, GATE_X - depth), point(a1, b1, face), point(a0, b0, face)],
+                       [places(s0, 0), places(s1, 0), places(s1, depth + PROUD), places(s0, depth + PROUD)], -lip)
+        run, inside = run + step, inside + length
+    m.wall("portcullis", [point(u, y, GATE_X - depth) for u, y in inner], (1, 0, 0), (GATE_X - depth, 0, 0))
+    x = GATE_X + 0.05
+    m.wall("shield", [(x, 1.98 + y, z) for y, z in ((0.26, 0.22), (0.26, -0.22), (-0.04, -0.22), (-0.26, 0), (-0.04, 0.22))],
+           (1, 0, 0), (x, 1.71, 0))
+    for side in (-1, 1):
+        lantern(m, GATE_X + 0.11, side * LAMP_Z, LAMP_Y, 0.055, 0.20)
+
+
+def lantern(m, x, z, foot, half, tall):
+    """A lamp of four panes, wider above, under a small roof."""
+    square = lambda r, y: (x - r, x + r, z - r, z + r, y)
+    wide, size = half * 1.25, 0.26
+    for axis in (0, 1):
+        for sign in (-1, 1):
+            corners, uvs = [], []
+            for r, y, t in ((half, foot, 0.0), (wide, foot + tall, 1.0)):
+                for aside in ((-1, 1) if t == 0.0 else (1, -1)):
+                    p = (x + sign * r, y, z + aside * r) if axis == 0 else (x + aside * r, y, z + sign * r)
+                    corners.append(p)
+                    uvs.append((aside, t))
+            px, py, w, h = m.atlas.places["lamp"]
+            sheet = m.atlas.sheet("lamp")
+            spots = [sheet.uv(px + w / 2 + a * w * 0.46, py + h * (0.97 - 0.94 * t)) for a, t in uvs]
+            m.face_towards(corners, spots, (sign, 0, 0) if axis == 0 else (0, 0, sign))
+    eave = foot + tall * 0.96
+    tip, r = np.array((x, foot + tall * 1.75, z)), wide * 1.42
+    corners = [(x + a * r, eave, z + b * r) for a, b in ((1, 1), (1, -1), (-1, -1), (-1, 1))]
+    for k in range(4):
+        a, b = corners[k], corners[(k + 1) % 4]
+        m.on_slope("slate", [a, b, tip], np.add(a, b) / 2 - (x, eave, z), 0.31 * k - 0.4, 0.3)
 
 
 def gate_roof(m):
@@ -494,28 +767,31 @@ def approach(m):
 
 
 def low_wall(m, x0, x1, z0, z1, top):
-    edge = 0.05
+    """A wall under a chamfered coping that stands out a little."""
+    edge, inset, foot = 0.03, 0.018, 0.34
     for z, out in ((z0, -1), (z1, 1)):
-        m.straight("curtain", (x0, 0, z), (x1, 0, z), (x0, top - edge, z), (x1, top - edge, z), (0, 0, out))
-        near = z - out * edge
-        m.straight("parapet", (x0, top - edge, z), (x1, top - edge, z), (x0, top, near), (x1, top, near), (0, 0, out), top - 0.42)
-    m.walk((x0, top, z1 - edge), (x1, top, z1 - edge), (x1, top, z0 + edge), (x0, top, z0 + edge))
+        body, near = z - out * inset, z - out * edge
+        m.straight("low", (x0, 0, body), (x1, 0, body), (x0, foot, body), (x1, foot, body), (0, 0, out))
+        places = m.along("coping", 0.7 * out, x1 - x0)
+        rows = ((foot, body, 0.0), (foot + 0.012, z, 0.02), (top - edge, z, 0.075), (top, near, 0.105))
+        for (y0, za, t0), (y1, zb, t1) in zip(rows, rows[1:]):
+            m.face_towards([(x0, y0, za), (x1, y0, za), (x1, y1, zb), (x0, y1, zb)],
+                           [places(0, t0), places(1, t0), places(1, t1), places(0, t1)], (0, 0.3 if zb == near else -0.3, out))
+    places, flat = m.along("coping", 0.7, x1 - x0), z1 - z0 - 2 * edge
+    m.face_towards([(x0, top, z0 + edge), (x1, top, z0 + edge), (x1, top, z1 - edge), (x0, top, z1 - edge)],
+                   [places(0, 0.01), places(1, 0.01), places(1, 0.01 + flat), places(0, 0.01 + flat)], (0, 1, 0))
 
 
 def post(m, x, z, half, top):
+    """Base, shaft and cap of a post, a lamp upon it."""
     square = lambda r, y: (x - r, x + r, z - r, z + r, y)
-    m.four_sides("tower", square(half, 0), square(half * 0.92, top), 0)
-    m.four_sides("corbel", square(half * 0.92, top), square(half * 1.0, top + 0.06), top)
-    m.wall("paving", [(x + a * half, top + 0.06, z + b * half) for a, b in ((-1, -1), (1, -1), (1, 1), (-1, 1))],
-           (0, 1, 0), (x, top, z + 1.0))
-    r = half * 0.55
-    m.four_sides("lamp", square(r, top + 0.06), square(r * 1.25, top + 0.32), top + 0.04)
-    tip = (x, top + 0.55, z)
-    corners = [(x + a * r * 1.6, top + 0.30, z + b * r * 1.6) for a, b in ((1, 1), (1, -1), (-1, -1), (-1, 1))]
-    for k in range(4):
-        a, b = corners[k], corners[(k + 1) % 4]
-        side = np.add(a, b) / 2 - (x, top + 0.30, z)
-        m.on_slope("slate", [a, b, tip], side, 0, 0)
+    shaft = half * 0.84
+    levels = [(half, 0), (half, 0.10), (shaft, 0.14), (shaft * 0.97, top - 0.05), (half, top), (half, top + 0.055)]
+    for (r0, y0), (r1, y1) in zip(levels, levels[1:]):
+        m.four_sides("lamp_post", square(r0, y0), square(r1, y1), 0)
+    m.wall("lamp_post", [(x + a * half, top + 0.055, z + b * half) for a, b in ((-1, -1), (1, -1), (1, 1), (-1, 1))],
+           (0, 1, 0), (x, top, z + half))
+    lantern(m, x, z, top + 0.055, half * 0.55, 0.26)
 
 
 def flag(m, x, z, base, height, turn, length=0.75):
@@ -527,7 +803,7 @@ def flag(m, x, z, base, height, turn, length=0.75):
     way = np.array((np.cos(turn), 0, np.sin(turn)))
     sway = np.array((-way[2], 0, way[0])) * 0.07
     at = lambda u, v: np.array((x, top - v, z)) + way * u + sway * np.sin(u * 7)
-    sheet, (px, py, w, h) = Sheet(m.atlas.size, DENSITY), m.atlas.places["pennant"]
+    sheet, (px, py, w, h) = m.atlas.sheet("pennant"), m.atlas.places["pennant"]
     place = lambda u, v: sheet.uv(px + u / length * w, py + v / cloth * h)
     spots = [(0.0, 0.0, cloth), (length * 0.4, 0.05, cloth - 0.06), (length, cloth / 2 + 0.05, cloth / 2 + 0.05)]
     (u0, a0, b0), (u1, a1, b1), (u2, a2, _) = spots

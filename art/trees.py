@@ -10,20 +10,19 @@ from pathlib import Path
 import numpy as np
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
-from shared import SEED, Mesh, Sheet, blur, loft, mix, noise, rgb, ring, smoothstep, write_bmp  # noqa: E402
+from shared import SEED, Mesh, Sheet, blur, loft, mix, noise, polygon_normal, rgb, smoothstep, write_bmp  # noqa: E402
 
 SIZE = 512
 TREE_GROUND = -3.6
 FOREST_GROUND = -0.5
 WOOD = Sheet(SIZE, 100)
 TRUNK_WIDTH = 384          # the trunk's bark is this wide and meets itself; twigs wear the rest
-FOREST = Sheet(SIZE, 40)
+FOREST_SIZE = 1024
+FOREST = Sheet(FOREST_SIZE, 40)
 
 # fmt: off
 CHAR, CHAR_LIGHT, ASH = rgb("2e2523"), rgb("5d4c44"), rgb("9a8b84")
 EMBERS = [rgb("4a120a"), rgb("d2440f"), rgb("ff9a2c"), rgb("ffe08a")]
-NEEDLE_DARK, NEEDLE, NEEDLE_LIGHT = rgb("22352f"), rgb("47684a"), rgb("b3b867")
-LEAF_DARK, LEAF, LEAF_LIGHT = rgb("3a3322"), rgb("8a7030"), rgb("eab552")
 # fmt: on
 
 
@@ -196,204 +195,572 @@ def wood_picture():
 
 # ---- the forest -----------------------------------------------------------------
 
+# All in world units here: x along the edge, y above the ground, z inwards, the
+# front facing -z. The game draws the model twice as wide and four times as tall.
+STRETCH = np.array((2.0, 4.0, 2.0))
+FRONT = (-25.0, 205.0)  # the seen part of a tree, in degrees round it; the town's side is 90
+
 # Places on the picture, in pixels: x, y, width, height.
-NEEDLES, LEAVES = (0, 0, 256, 250), (256, 0, 256, 250)
-STEM, SCRUB, DEEP = (0, 256, 60, 120), (68, 256, 444, 120), (0, 384, 512, 128)
-UNDERSIDE = [FOREST.uv(20, 440), FOREST.uv(50, 440), FOREST.uv(35, 460)]  # a dark spot
+DEEP = (0, 0, 1024, 352)                       # goes on from its right edge to its left
+LEAVES = (0, 352, 416, 448)
+BARK, SCALES = (416, 352, 176, 448), (592, 352, 176, 448)
+BOUGHS = [(768, 352, 128, 448), (896, 352, 128, 448)]
+SCRUB, CANOPY, FERN = (0, 800, 448, 224), (448, 800, 400, 224), (848, 800, 176, 224)
+TEXELS = 62.0                                  # of leaves in a world unit
 
 
 def place(region, s, t):
-    """uv at s across and t down a region, half a pixel clear of its neighbours."""
+    """uv at s across and t down a region, clear of its neighbours."""
     x, y, width, height = region
-    return FOREST.uv(x + 1.5 + s * (width - 3), y + 1.5 + t * (height - 3))
+    return FOREST.uv(x + 2 + s * (width - 4), y + 2 + t * (height - 4))
 
 
 class Foliage(Mesh):
-    """A mesh whose crowns are lit like soft lumps: normals lean outwards and up."""
+    """Crowns are lit like soft lumps: their normals lean away from the lump's heart."""
 
     def __init__(self):
         super().__init__()
-        self.hearts = {}  # smooth name -> middle of the crown
+        self.hearts = {}  # smooth name -> heart of the lump, how far normals lean away from it
 
     def _normals(self):
-        bent = []
+        out = []
         for (points, _, smooth), normals in zip(self.polygons, super()._normals()):
-            heart = self.hearts.get(smooth)
-            if heart is not None:
-                outward = points - heart
-                outward /= np.linalg.norm(outward, axis=1, keepdims=True)
-                normals = [n * 0.6 + o + (0, 0.35, 0) for n, o in zip(normals, outward)]
-                normals = [n / np.linalg.norm(n) for n in normals]
-            bent.append(normals)
-        return bent
+            if smooth in self.hearts:
+                heart, lean = self.hearts[smooth]
+                away = points - heart
+                away /= np.linalg.norm(away, axis=1, keepdims=True)
+                normals = [n * (1 - lean) + a * lean for n, a in zip(normals, away)]
+            out.append(normals)
+        return out
+
+    def as_drawn(self):
+        """The mesh in model units, its normals worked out in the world's."""
+        drawn = Drawn()
+        for (points, uvs, smooth), normals in zip(self.polygons, self._normals()):
+            small = points / STRETCH + (0, FOREST_GROUND, 0)
+            drawn.face(small, uvs, smooth)
+            square = polygon_normal(small)
+            kept = []
+            for n in normals:
+                n = n * STRETCH / np.linalg.norm(n * STRETCH)
+                n = n + square * max(0.0, 0.15 - n @ square)  # never behind its face
+                kept.append(n / np.linalg.norm(n))
+            drawn.lit.append(kept)
+        return drawn
 
 
-def stem(forest, x, z, top, radius):
-    low, high = ring(radius * 1.3, FOREST_GROUND, 3, x, z), ring(radius, top, 3, x, z)
-    forest.add(loft([low, high], lambda s, i: place(STEM, s, 1 - i), smooth=("stem", x, z)))
+class Drawn(Mesh):
+    """Polygons with their normals; those without, the last ones, are flat."""
+
+    def __init__(self):
+        super().__init__()
+        self.lit = []
+
+    def _normals(self):
+        return self.lit + [[polygon_normal(p)] * len(p) for p, _, _ in self.polygons[len(self.lit):]]
 
 
-def conifer(forest, rng, x, z, tall, wide, tiers, sides, closed, region=NEEDLES):
-    """Drooping tiers with ragged hems, each tucked under the next."""
+def around(x, y, z, radius, angle):
+    """The point at an angle (radians) of a level circle about (x, y, z)."""
+    return np.array((x + radius * np.cos(angle), y, z - radius * np.sin(angle)))
+
+
+def stem(wood, rng, x, z, tall, radius, skin, reach=FRONT, roots=True, sides=5):
+    """A furrowed stem, bent a little, that may spread into roots."""
+    lean = rng.normal(size=2) * 0.05
+    levels = [(0.0, 1.5), (tall, 0.8)]
+    if roots:
+        levels = [(0.0, 2.0 * np.where(np.arange(sides) % 2, 0.72, 1.25)), (0.75, 1.06), (tall, 0.72)]
+    angles = np.radians(np.linspace(*reach, sides))
+    rings = [[around(x + lean[0] * y, y, z + lean[1] * y, radius * r, a) for r, a in zip(np.broadcast_to(spread, sides), angles)]
+             for y, spread in levels]
+    wear = lambda s, i: place(skin, s, 1 - min(levels[i][0] / 5.2, 1))
+    wood.add(loft(rings, wear, ("stem", x, z), closed=False))
+
+
+def shag(wood, rng, name, middle, wide, tall, reach, region=LEAVES, count=4, lean=0.75, bush=False):
+    """A ragged dome of foliage: a crooked ring under its top, then a hem of so many leafy tips,
+    which for a bush lies on the ground. The picture lies on it unstretched, from its top down.
+    """
+    x, y, z = middle
+    wood.hearts[name] = (np.array((x, y - 0.45 * tall, z)), lean)
+    start, span = np.radians(reach[0]) + rng.uniform(-0.15, 0.15), np.radians(reach[1] - reach[0])
+    at = lambda angle, out, up: around(x, y + up * tall, z, out * wide, angle)
+    angles, half = start + span * np.arange(count + 1) / count, span / count / 2
+    top = at(rng.random() * 6, 0.18, rng.uniform(0.72, 0.90))
+    waist = [at(a, rng.uniform(0.58, 0.82), rng.uniform(0.44, 0.68) if bush else rng.uniform(0.38, 0.62)) for a in angles]
+    notches = [at(a + rng.uniform(-0.1, 0.1), rng.uniform(0.88, 1.10), 0 if bush else rng.uniform(-0.22, -0.02)) for a in angles]
+    tips = [at(a + half + rng.uniform(-0.12, 0.12), rng.uniform(0.74, 1.0), 0 if bush else rng.uniform(-0.78, -0.45))
+            for a in angles[:-1]]
+
+    left, upper, width, height = region
+    round_it = span * wide * 0.9 * TEXELS                      # pixels
+    room = width - 8 - round_it
+    shift, squeeze = max(0.0, room) * rng.random(), min(1.0, (width - 8) / round_it)
+
+    def spot(angle, *points):
+        """The picture's place of the last point: its angle across, the way over the points down."""
+        across = shift + (angle - start + 0.12) / span * round_it * squeeze
+        down = sum(np.linalg.norm(b - a) for a, b in zip(points, points[1:])) * TEXELS
+        return FOREST.uv(left + np.clip(4 + across, 3, width - 3), upper + min(3 + down, height - 3))
+
+    for k, tip in enumerate(tips):
+        a, b = angles[k], angles[k + 1]
+        wa, wb = waist[k], waist[k + 1]
+        m = (a + b) / 2
+        places = {"top": spot(m, top), "wa": spot(a, top, wa), "wb": spot(b, top, wb), "tip": spot(m, top, (wa + wb) / 2, tip),
+                  "na": spot(a, top, wa, notches[k]), "nb": spot(b, top, wb, notches[k + 1])}
+        wood.face([wa, wb, top], [places["wa"], places["wb"], places["top"]], name)
+        wood.face([notches[k], tip, wa], [places["na"], places["tip"], places["wa"]], name)
+        wood.face([tip, wb, wa], [places["tip"], places["wb"], places["wa"]], name)
+        wood.face([tip, notches[k + 1], wb], [places["tip"], places["nb"], places["wb"]], name)
+
+
+def round_tree(wood, rng, x, z, tall, wide, reach=FRONT):
+    """Three ragged lumps of leaves on a stem."""
+    base = tall * 0.40
+    stem(wood, rng, x, z, base + 1.2, 0.30, BARK, reach)
+    swing = rng.choice((-1, 1))
+    lumps = [  # aside, height over the base, inwards, half width, half height, tips of the hem
+        (0.06, 0.60, 0.12, 0.80, 0.50, 5),
+        (-0.52, 0.22, -0.12, 0.62, 0.40, 4),
+        (0.56, 0.32, -0.06, 0.60, 0.40, 4),
+    ]
+    for k, (dx, up, dz, half, high, tips) in enumerate(lumps):
+        middle = np.array((x + dx * swing * wide, base + up * (tall - base), z + dz * wide))
+        shag(wood, rng, ("crown", x, k), middle, half * wide, high * (tall - base), reach, count=tips)
+
+
+def conifer(wood, rng, x, z, tall, wide, tiers, reach=FRONT):
+    """Tiers of so many drooping boughs each, the lowest first, on a scaly stem."""
     name = ("conifer", x, z)
-    forest.hearts[name] = np.array([x, FOREST_GROUND + tall * 0.30, z])
-    lowest = FOREST_GROUND + tall * (0.12 if closed else 0.06)
-    for tier in range(tiers):
-        at = tier / tiers
-        hem = lowest + (tall + FOREST_GROUND - lowest) * at * 0.92
-        tip = min(FOREST_GROUND + tall, hem + tall * (1.35 / tiers)) if tier < tiers - 1 else FOREST_GROUND + tall
-        radius = wide * (1 - at * 0.82)
-        turn, around = rng.random() * 6.28, []
-        for k in range(sides):
-            angle = turn + k * 2 * np.pi / sides
-            long = k % 2 == 0  # every second bough reaches out and hangs lower
-            r = radius * rng.uniform(0.95, 1.12) * (1.0 if long else 0.76)
-            drop = tall * (rng.uniform(-0.045, -0.015) if long else rng.uniform(0.01, 0.04))
-            around.append((x + r * np.cos(angle), hem + drop, z - r * np.sin(angle)))
-        peak = (x + rng.normal() * 0.03, tip, z + rng.normal() * 0.03)
-        for k in range(sides):
-            a, b, n = k / sides, (k + 1) / sides, (k + 1) % sides
-            forest.face([around[k], around[n], peak], [place(region, a, 1), place(region, b, 1),
-                        place(region, (a + b) / 2, 0.0 if tier == tiers - 1 else 0.25)], name)
-            if closed and tier == 0:
-                under = (x, hem + tall * 0.03, z)
-                forest.face([around[n], around[k], under], UNDERSIDE)
-    if closed:
-        stem(forest, x, z, lowest + 0.1, 0.10)
+    wood.hearts[name] = (np.array((x, tall * 0.30, z)), 0.45)
+    lowest, span = 1.5, np.radians(reach[1] - reach[0])
+    stem(wood, rng, x, z, lowest + 1.6, 0.26, SCALES, reach, roots=reach == FRONT, sides=4)
+    for tier, count in enumerate(tiers):
+        at, last = tier / len(tiers), tier == len(tiers) - 1
+        hem = lowest + (tall - lowest) * at ** 1.05
+        peak = tall if last else hem + (tall - lowest) * 1.30 / len(tiers)
+        drop, radius = peak - hem, wide * (1 - 0.84 * at)
+        start, step = np.radians(reach[0]) + rng.uniform(-0.25, 0.25), span / count
+        apex = np.array((x + rng.normal() * 0.06, peak, z + rng.normal() * 0.06))
+        notches = [around(x, hem + drop * rng.uniform(0.08, 0.20), z, radius * rng.uniform(0.66, 0.80), start + step * i)
+                   for i in range(count + 1)]
+        for i in range(count):
+            tip = around(x, hem - drop * rng.uniform(0.0, 0.16), z, radius * rng.uniform(0.90, 1.16),
+                         start + step * (i + rng.uniform(0.36, 0.64)))
+            region = BOUGHS[int(rng.integers(2))]
+            low, middle, high = place(region, 0.0, 0.84), place(region, 0.5, 1.0), place(region, 0.5, 0.0 if last else 0.12)
+            wood.face([notches[i], tip, apex], [low, middle, high], name)
+            wood.face([tip, notches[i + 1], apex], [middle, place(region, 1.0, 0.84), high], name)
 
 
-def round_tree(forest, rng, x, z, tall, wide, closed):
-    """A lumpy crown on a short stem."""
-    name = ("crown", x, z)
-    base = FOREST_GROUND + tall * (0.34 if closed else 0.04)
-    top = FOREST_GROUND + tall
-    forest.hearts[name] = np.array([x, base + (top - base) * 0.38, z])
-    rings = [[(x, base + tall * 0.04, z)]] if closed else []
-    for level, bulge in ((0.10 if closed else 0.0, 0.82), (0.42, 1.0), (0.80, 0.78)):
-        turn = rng.random() * 6.28
-        rings.append([(x + wide * bulge * rng.uniform(0.84, 1.16) * np.cos(turn + a),
-                       base + (top - base) * (level + rng.uniform(0.0, 0.06)),
-                       z - wide * bulge * rng.uniform(0.84, 1.16) * np.sin(turn + a))
-                      for a in np.arange(6) * 2 * np.pi / 6])
-    rings = [spun(r, rings[-1]) if len(r) > 1 else r for r in rings]
-    rings.append([(x, top, z)])
-    last = len(rings) - 1
-    # Mirrored half way round: no seam, and the leaves are about as wide as tall.
-    forest.add(loft(rings, lambda s, i: place(LEAVES, 1 - abs(2 * s - 1), 1 - i / last), smooth=name))
-    if closed:
-        stem(forest, x, z, base + 0.25, 0.12)
+def spire(wood, rng, foot, out, tall, wide, low):
+    """A far conifer, three flat tiers that face `out`, from `low` to `tall`."""
+    name = ("spire", *foot)
+    out = np.array(out, dtype=float) / np.linalg.norm(out)
+    side = np.array((-out[2], 0, out[0]))
+    wood.hearts[name] = (np.array(foot) - out * 3 + (0, low - 4, 0), 0.5)
+    for tier in range(3):
+        hem = low + (tall - low) * (tier / 3) ** 1.1
+        peak = tall if tier == 2 else hem + (tall - low) * 0.46
+        half = wide * (1 - 0.27 * tier) * rng.uniform(0.9, 1.1)
+        at = lambda s, y: np.array((foot[0], y, foot[2])) + side * s - out * 0.10 * tier
+        points = [at(-half, hem + rng.uniform(-0.3, 0.3)), at(half, hem + rng.uniform(-0.3, 0.3)), at(rng.normal() * 0.1, peak)]
+        uvs = [place(BOUGHS[tier % 2], 0.04, 0.86), place(BOUGHS[tier % 2], 0.96, 0.86), place(BOUGHS[tier % 2], 0.5, 0.05)]
+        if polygon_normal(points) @ out < 0:
+            points, uvs = points[::-1], uvs[::-1]
+        wood.face(points, uvs, name)
 
 
-def spun(points, model):
-    """The ring started at the corner nearest the model's first, so that skins do not twist."""
-    away = [np.hypot(p[0] - model[0][0], p[2] - model[0][2]) for p in points]
-    first = int(np.argmin(away))
-    return points[first:] + points[:first]
+def bush(wood, rng, x, z, tall, wide, reach=(-8.0, 188.0)):
+    shag(wood, rng, ("bush", x, z), np.array((x, 0.0, z)), wide, tall, reach, SCRUB, lean=0.6, bush=True)
 
 
-def bush(forest, rng, x, z, tall, wide):
-    name = ("bush", x, z)
-    forest.hearts[name] = np.array([x, FOREST_GROUND - 0.1, z])
-    turn = rng.random() * 6.28
-    rings = [[(x + r * wide * rng.uniform(0.85, 1.15) * np.cos(turn + a), FOREST_GROUND + y * tall,
-               z - r * wide * 0.6 * rng.uniform(0.85, 1.15) * np.sin(turn + a)) for a in np.arange(5) * 2 * np.pi / 5]
-             for r, y in ((1.0, 0.0), (0.85, 0.6))] + [[(x, FOREST_GROUND + tall, z)]]
-    forest.add(loft(rings, lambda s, i: place(SCRUB, s * 0.5 + (x % 1) * 0.5, 1 - i / 2), smooth=name))
+def fern(wood, rng, x, z, size, fronds=6):
+    """Fronds that spread from one place towards the town, each narrowing to its tip."""
+    name = ("fern", x, z)
+    wood.hearts[name] = (np.array((x, -0.6, z + 0.4)), 0.5)
+    for k in range(fronds):
+        a = np.radians(-5 + 190 * (k + rng.uniform(0.25, 0.75)) / fronds)
+        way = np.array((np.cos(a), 0, -np.sin(a)))
+        side = np.array((way[2], 0, -way[0])) * 0.24 * size
+        length = size * rng.uniform(0.85, 1.2)
+        root = np.array((x, 0.0, z)) - way * 0.15
+        tip = root + way * length * rng.uniform(0.65, 0.9) + (0, length * rng.uniform(0.45, 0.9), 0)
+        points, uvs = [root + side, tip, root - side], [place(FERN, 1, 1), place(FERN, 0.5, 0), place(FERN, 0, 1)]
+        if polygon_normal(points)[1] < 0:
+            points, uvs = points[::-1], uvs[::-1]
+        wood.face(points, uvs, name)
 
 
-def deep_wood(forest, rng):
-    """The dark between the trunks: a ragged wall of far trees, low at both ends."""
-    track = [(x, 2.1) for x in np.linspace(-7.4, 7.4, 15)]
-    steps = lengths([(x, 0, z) for x, z in track])
-    tops = [FOREST_GROUND + (rng.uniform(2.5, 3.3) if i % 2 else rng.uniform(1.5, 2.0)) for i in range(len(track))]
-    tops[0] = tops[-1] = FOREST_GROUND + 0.3
-    tops[1] = tops[-2] = FOREST_GROUND + 1.3
+def deep_wood(wood, rng):
+    """The painted depth of the wood, drawn round both ends, and far conifers that look over it."""
+    west = [(-13.5, -4.4), (-13.6, -1.2), (-13.4, 2.6), (-11.8, 4.5)]
+    track = west + [(x, 4.5) for x in np.linspace(-6.9, 6.9, 4)] + [(-x, z) for x, z in west[::-1]]
+    track = [np.array((x, 0.0, z)) for x, z in track]
+    steps = lengths(track)
+    wood.hearts["deep"] = (np.array((0.0, -30.0, 50.0)), 0.75)
+    tops = [rng.uniform(7.6, 9.0) if i % 2 else rng.uniform(5.8, 7.0) for i in range(len(track))]
     for i in range(len(track) - 1):
-        (x0, z0), (x1, z1) = track[i], track[i + 1]
-        s0, s1 = steps[i] / steps[-1], steps[i + 1] / steps[-1]
-        corners = [(x1, FOREST_GROUND, z1), (x0, FOREST_GROUND, z0), (x0, tops[i], z0), (x1, tops[i + 1], z1)]
-        uvs = [place(DEEP, s, 1 - (c[1] - FOREST_GROUND) / 3.3) for s, c in zip((s1, s0, s0, s1), corners)]
-        forest.face(corners, uvs, "deep")
-    forest.hearts["deep"] = np.array([0.0, -1.0, 9.0])
+        a, b = track[i], track[i + 1]
+        corners = [b, a, a + (0, tops[i], 0), b + (0, tops[i + 1], 0)]
+        uvs = [(steps[k] / 16.0, place(DEEP, 0, 1 - p[1] / 9.0)[1]) for k, p in zip((i + 1, i, i, i + 1), corners)]
+        wood.face(corners, uvs, "deep")
+        out = np.array((b[2] - a[2], 0, a[0] - b[0]))
+        for _ in range(0 if i in (1, len(track) - 3) else 1):
+            middle = a + (b - a) * rng.uniform(0.2, 0.8) - out / np.linalg.norm(out) * 0.08
+            spire(wood, rng, tuple(middle), out, rng.uniform(11.0, 17.0), rng.uniform(1.6, 2.1), rng.uniform(4.8, 6.0))
+
+
+def canopy(wood, rng):
+    """Leaves that hang between the rows of trees, ragged below and above."""
+    count = 13
+    xs = np.linspace(-12.9, 12.9, count)
+    place_of = lambda x, lo, hi, z: np.array((x, rng.uniform(lo, hi), z + rng.uniform(-0.5, 0.5)))
+    low = [place_of(x, *((3.6, 4.4) if i % 2 else (5.0, 6.2)), -1.2) for i, x in enumerate(xs)]
+    high = [place_of(x, *((8.2, 9.6) if i % 2 else (6.8, 7.8)), -0.6) for i, x in enumerate(xs)]
+    wood.hearts["canopy"] = (np.array((0.0, 3.0, 9.0)), 0.55)
+    for i in range(count - 1):
+        s = [abs((k + 3) % 6 - 3) / 3 for k in (i, i + 1)]  # to and fro on the picture
+        corners = [low[i + 1], low[i], high[i], high[i + 1]]
+        uvs = [place(CANOPY, s[1], 1 - 0.25 * (i % 2)), place(CANOPY, s[0], 0.75 + 0.25 * (i % 2)),
+               place(CANOPY, s[0], 0.2 - 0.2 * (i % 2)), place(CANOPY, s[1], 0.2 * (i % 2))]
+        wood.face(corners, uvs, "canopy")
 
 
 def forest():
     rng = np.random.default_rng(SEED * 1000 + 71)
-    mesh = Foliage()
+    wood = Foliage()
+    deep_wood(wood, rng)
+    canopy(wood, rng)
     # fmt: off
-    front = "CRCCRCRCCRC"       # conifers and round trees from left to right
-    second = "CRCRCCRCC"
+    front = [  # boughs in a conifer's tiers, None for a round tree; x, z, height, half width
+        ((5, 5, 4, 3), -14.8, -7.4, 11.5, 1.9), (None, -11.2, -8.4, 8.4, 2.6), ((5, 4, 4, 3, 3), -7.0, -8.0, 13.0, 2.1),
+        (None, -2.6, -8.7, 8.8, 2.7), ((5, 4, 4, 3, 3), 1.6, -7.6, 11.2, 2.0), (None, 5.8, -8.5, 7.8, 2.5),
+        ((5, 4, 4, 3, 3), 10.6, -8.2, 13.5, 2.1), (None, 14.0, -7.4, 8.0, 2.4),
+    ]
     # fmt: on
-    for i, kind in enumerate(front):
-        x = -7.3 + 14.6 * i / (len(front) - 1) + rng.uniform(-0.22, 0.22)
-        z = -4.3 + rng.uniform(-0.55, 0.55)
-        if kind == "C":
-            conifer(mesh, rng, x, z, rng.uniform(2.7, 3.5), rng.uniform(0.9, 1.1), 3, 8, True)
+    for i, (tiers, x, z, tall, wide) in enumerate(front):
+        reach = (20.0, 270.0) if i == 0 else (-80.0, 160.0) if i == len(front) - 1 else FRONT
+        if tiers:
+            conifer(wood, rng, x, z, tall, wide, tiers, reach)
         else:
-            round_tree(mesh, rng, x, z, rng.uniform(1.75, 2.2), rng.uniform(1.1, 1.3), True)
-    for i, kind in enumerate(second):
-        x = -6.9 + 13.8 * i / (len(second) - 1) + rng.uniform(-0.3, 0.3)
-        z = -2.2 + rng.uniform(-0.4, 0.4)
-        if kind == "C":
-            conifer(mesh, rng, x, z, rng.uniform(3.4, 4.1), rng.uniform(0.95, 1.2), 2, 6, False)
-        else:
-            round_tree(mesh, rng, x, z, rng.uniform(2.3, 2.8), rng.uniform(1.1, 1.35), False)
-    for i in range(8):
-        x = -7.3 + 14.6 * i / 7 + rng.uniform(-0.35, 0.35)
-        conifer(mesh, rng, x, 0.1 + rng.uniform(-0.4, 0.4), rng.uniform(3.5, 4.5), rng.uniform(0.95, 1.2), 2, 4, False)
-    for i in range(7):
-        bush(mesh, rng, -7.1 + 14.2 * i / 6 + rng.uniform(-0.5, 0.5), -5.15 + rng.uniform(-0.2, 0.2),
-             rng.uniform(0.30, 0.5), rng.uniform(0.75, 1.0))
-    deep_wood(mesh, rng)
-    return balanced(mesh, FOREST_GROUND)
+            round_tree(wood, rng, x, z, tall, wide, reach)
+    for side, tall, behind in ((-1, 14.0, 10.5), (1, 12.5, 12.0)):  # what hides the edges of the deep wood
+        turned = lambda low, high: (low, high) if side > 0 else (180 - high, 180 - low)
+        conifer(wood, rng, side * 13.6, -4.7, tall, 2.0, (5, 5, 4, 3), turned(-100, 200))
+        bush(wood, rng, side * 13.8, -4.9, 1.3, 1.5, turned(-80, 160))
+        conifer(wood, rng, side * 13.5, 2.9, behind, 1.9, (4, 3, 3), turned(-110, 110))
+    for i, x in enumerate((-9.2, -5.0, -0.8, 3.6, 8.2)):  # stems between the canopy and the deep wood
+        stem(wood, rng, x + rng.uniform(-0.4, 0.4), rng.uniform(0.0, 1.4), 6.3, 0.26, SCALES if i % 2 else BARK,
+             (10.0, 170.0), roots=False, sides=3)
+    for x in (-13.0, -4.8, 8.6):
+        bush(wood, rng, x, -9.6 + rng.uniform(-0.4, 0.3), rng.uniform(0.9, 1.4), rng.uniform(1.4, 1.8))
+    for x in (-8.8, -0.4, 12.4):
+        fern(wood, rng, x, -9.8 + rng.uniform(-0.3, 0.3), rng.uniform(1.2, 1.6))
+    for x in (-4.3, 7.2):
+        fern(wood, rng, x, -5.8 + rng.uniform(-0.4, 0.4), rng.uniform(1.4, 1.8))
+    return balanced(wood.as_drawn(), FOREST_GROUND)
 
 
 # ---- leaves ---------------------------------------------------------------------
 
-def strokes(region, count, size, stretch, tones, light, seed, hang=0.0):
-    """Overlapping brush dabs, painted from the bottom row up; the picture meets itself left to right.
+FINE = 2  # painted finer than kept
 
-    tones: dark, middle, light; light(t) 0..1 says how bright dabs at t (0 top .. 1 bottom) are.
+
+class Brush:
+    """Stamps leaves and needles on a region, each shaded and set off from what lies under it."""
+
+    def __init__(self, region, seed, ground, squeeze=1):
+        """squeeze: how many times as wide as the region it is painted."""
+        _, _, width, height = region
+        self.kept_size = height, width
+        self.height, self.width = height * FINE, width * squeeze * FINE
+        self.picture = np.ones((self.height, self.width, 3)) * ground
+        self.rng = np.random.default_rng(SEED * 1000 + seed)
+        self.y, self.x = np.mgrid[0:self.height, 0:self.width] / FINE
+
+    def leaf(self, x, y, angle, length, width, colour, shadow=0.5, pointed=1.0):
+        """One leaf with its middle at (x, y), lit from above; it goes on round the left and right edges."""
+        x, y, length, width = x * FINE, y * FINE, length * FINE, width * FINE
+        r = int(0.62 * length + 0.3 * width) + 3
+        rows, columns = np.arange(int(y) - r, int(y) + r + 1), np.arange(int(x) - r, int(x) + r + 1)
+        dy, dx = (rows - y)[:, None], (columns - x)[None, :]
+        c, s = np.cos(angle), np.sin(angle)
+        p = (dx * c + dy * s) / length + 0.5
+        q = (dy * c - dx * s) / width
+        inside = np.clip(p, 0, 1)
+        profile = 1.02 * np.sqrt(inside) * (1 - inside) ** (0.75 * pointed)
+        profile = profile * (p > 0) * (p < 1)
+        edge = (profile - np.abs(q)) * width
+        mask = smoothstep(-0.6, 1.4, edge)
+        dark = smoothstep(-0.30 * width, 0.0, edge) * shadow
+        up = -1.0 if c > 0 else 1.0
+        tone = 1 + 0.28 * np.clip(4 * q * up, -1, 1) * (0.6 + 0.4 * inside) - 0.26 * smoothstep(0.35, 0.0, inside)
+        rib = smoothstep(1.6, 0.4, np.abs(q) * width) * (p < 0.9) * 0.22
+        seen = (rows >= 0) & (rows < self.height)
+        if not seen.any():
+            return
+        rows, mask, dark, tone, rib = rows[seen], mask[seen], dark[seen], tone[seen], rib[seen]
+        spots = np.ix_(rows, columns % self.width)
+        under = self.picture[spots] * (1 - dark)[..., None]
+        self.picture[spots] = mix(under, colour * (tone + rib)[..., None], mask)
+
+    def kept(self):
+        height, width = self.kept_size
+        return self.picture.reshape(height, self.height // height, width, self.width // width, 3).mean(axis=(1, 3))
+
+
+def ramp(colours, value):
+    """A colour from dark to light at value 0..1."""
+    value = np.clip(value, 0, 1) * (len(colours) - 1)
+    k = min(int(value), len(colours) - 2)
+    return mix(colours[k], colours[k + 1], value - k)
+
+
+def clumps(region, seed, colours, size, leaf, count, light=lambda t: 1.0, spots=()):
+    """Clusters of leaves like tiles of a roof: each is light above and dark under its hem."""
+    brush = Brush(region, seed, colours[0] * 0.7)
+    rng, (_, _, width, height) = brush.rng, region
+    for _ in range(int(width * height / leaf ** 2 * 1.3)):  # the dark inside
+        brush.leaf(rng.random() * width, rng.random() * height, rng.random() * 6.28, leaf * 1.1, leaf * 0.8,
+                   ramp(colours, rng.uniform(0.0, 0.28)), 0.3)
+    rows = max(2, round(height / (size * 0.62)))
+    columns = max(2, round(width / (size * 1.05)))
+    for row in range(rows - 1, -1, -1):
+        for column in rng.permutation(columns):
+            mx = (column + 0.5 * (row % 2) + rng.uniform(-0.25, 0.25)) * width / columns
+            my = (row + 0.5 + rng.uniform(-0.25, 0.25)) * height / rows
+            half = size * rng.uniform(0.55, 0.8)
+            hue = spots[int(rng.integers(len(spots)))] if len(spots) and rng.random() < 0.22 else None
+            glow = light(my / height) + rng.uniform(-0.12, 0.12)
+            places = rng.normal(size=(count, 2)) * 0.45
+            places = places[np.argsort(-places[:, 1])]  # the upper leaves lap over the lower
+            for u, v in places:
+                away = np.hypot(u, v)
+                if away > 1.15:
+                    continue
+                value = glow * np.clip(0.50 - 0.52 * v - 0.14 * u + rng.uniform(-0.16, 0.16), 0.04, 1)
+                angle = np.arctan2(v + 0.75, u * 1.3) + rng.uniform(-0.5, 0.5)
+                colour = ramp(colours, value)
+                if hue is not None:
+                    colour = mix(colour, hue * (0.35 + 0.85 * value), 0.55)
+                long = leaf * rng.uniform(0.8, 1.3)
+                brush.leaf(mx + u * half, my + v * half * 0.8, angle, long, long * rng.uniform(0.50, 0.66), colour)
+    return brush
+
+
+def needles(brush, x, y, angle, length, colours, value, size=22):
+    """A twig of needles from (x, y) on, light at its end."""
+    rng = brush.rng
+    c, s = np.cos(angle), np.sin(angle)
+    for along in np.arange(length, 0, -4.0):
+        for side in (-1, 1):
+            out = angle + side * rng.uniform(0.40, 0.80)
+            reach = size * rng.uniform(0.75, 1.2)
+            tone = value + 0.34 * (along / length) ** 2 + rng.uniform(-0.13, 0.13) - 0.08 * side * np.cos(angle)
+            brush.leaf(x + along * c + np.cos(out) * reach / 2, y + along * s + np.sin(out) * reach / 2, out, reach, 4.6,
+                       ramp(colours, tone), 0.30, 0.6)
+
+
+def bough(region, seed, colours):
+    """A spruce bough from above: its stem runs down the middle, dark at the tree, light at the tips."""
+    brush = Brush(region, seed, colours[0] * 0.55, 2)
+    rng, (_, _, width, height) = brush.rng, region
+    width *= 2
+    for _ in range(1500):
+        y = rng.random() * height
+        brush.leaf(rng.random() * width, y, np.pi / 2 + rng.normal() * 0.6, 24, 5.0,
+                   ramp(colours, 0.03 + 0.26 * y / height + rng.uniform(0, 0.12)), 0.3, 0.6)
+    twigs = []
+    for y in np.arange(30, height - 16, 13.0):
+        twigs += [(y + rng.uniform(-8, 8), side) for side in (-1, 1)]
+    twigs += [(rng.uniform(0.3, 0.85) * height, side) for side in (-1, 1) for _ in range(14)]
+    for i, (y, side) in enumerate(sorted(twigs, key=lambda t: -t[0])):  # the upper ones lie over the lower
+        down = y / height
+        angle = np.pi / 2 - side * rng.uniform(0.35, 0.85)
+        aside = 0.0 if i % 3 else side * rng.uniform(0.05, 0.28) * width
+        length = rng.uniform(60, 125) * (0.75 + 0.4 * down)
+        needles(brush, width / 2 + aside, y, angle, length, colours, 0.06 + 0.34 * down + rng.uniform(-0.06, 0.10))
+    for x in (0.38, 0.62, 0.5):
+        needles(brush, width * x, height * 0.72, np.pi / 2, height * (0.2 if x != 0.5 else 0.28), colours, 0.42)
+    shade = smoothstep(0.0, 0.60, brush.y / height)
+    across = np.abs(brush.x / width - 0.5) * 2
+    brush.picture = brush.picture * (0.42 + 0.58 * np.maximum(shade, 0.4 * across))[..., None]
+    return brush.kept()
+
+
+def frond(region, seed, colours):
+    """A fern's frond, its root below: pairs of toothed leaflets that grow shorter to the tip."""
+    brush = Brush(region, seed, colours[0] * 0.35)
+    rng, (_, _, width, height) = brush.rng, region
+    y = height - 6.0
+    while y > 8:
+        down = y / height
+        for side in (-1, 1):
+            angle = -np.pi / 2 + side * 1.15
+            length = width * 0.56 * down + 6
+            tooth = 7 + 13 * down
+            for along in np.arange(length, 2, -0.38 * tooth):
+                for lobe in (-1, 1):
+                    turn = angle + lobe * 0.7
+                    value = 0.42 - 0.22 * (1 - along / length) + 0.36 * (1 - down) + rng.uniform(-0.12, 0.14) - 0.10 * side
+                    brush.leaf(width / 2 + np.cos(angle) * along + np.cos(turn) * tooth / 2,
+                               y + np.sin(angle) * along + np.sin(turn) * tooth / 2, turn, tooth, 0.45 * tooth,
+                               ramp(colours, value), 0.35, 0.7)
+        y -= 7 + 16 * down
+    rib = np.abs(brush.x - width / 2)
+    brush.picture = mix(brush.picture, colours[2], smoothstep(2.6, 1.2, rib))
+    return brush.kept()
+
+
+def furrowed(region, seed, tones, grain, tall, moss_height):
+    """Bark of lens-shaped ridges between deep furrows, moss at its foot; meets itself left to right.
+
+    tones: from the furrows' dark to the ridges' light; grain: ridges round the stem,
+    each `tall` times as high as wide.
     """
     _, _, width, height = region
-    rng = np.random.default_rng(SEED * 1000 + seed)
-    under = np.array([light(t) for t in (np.arange(height) + 0.5) / height])  # shows between the dabs
-    picture = mix(tones[0], tones[1], np.broadcast_to(0.5 * under[:, None], (height, width)))
-    yy, xx = np.mgrid[0:height, 0:width]
-    for t in np.sort(rng.random(count) * 1.04 - 0.02)[::-1]:
-        cx, cy, s = rng.random() * width, t * height, size * rng.uniform(0.7, 1.35)
-        r = int(s * max(1, stretch) * 1.6) + 2
-        rows = slice(max(0, int(cy) - r), min(height, int(cy) + r))
-        dx = (xx[rows] - cx + width / 2) % width - width / 2
-        dy = yy[rows] - cy
-        lean = hang * dy + rng.uniform(-0.25, 0.25) * dy
-        away = np.hypot((dx + lean) / s, dy / (s * stretch))
-        dab = smoothstep(1.0, 0.72, away)
-        value = np.clip(light(t) + rng.uniform(-0.22, 0.22) - 0.33 * dy / (s * stretch) - 0.12 * (dx / s), 0, 1)
-        colour = mix(mix(tones[0], tones[1], np.minimum(value * 2, 1)), tones[2], np.maximum(value * 2 - 1, 0))
-        picture[rows] = mix(picture[rows], colour, dab * 0.93)
-    return picture
+    w, h = width * FINE, height * FINE
+    side = max(w, h)
+    y, x = np.mgrid[0:h, 0:w]
+
+    def field(cells, tall, seed, octaves=2):
+        """Noise of `cells` lumps round the stem, each `tall` times as high as wide."""
+        full = noise(side, side, cells, octaves, seed)
+        rows = (y / tall * side / w).astype(int) % side
+        columns = (x * side // w) % side
+        return full[rows, columns]
+
+    wobble = (field(4, 2.0, seed + 1) - 0.5)
+    full = noise(side, side, grain, 2, seed + 2)
+    columns = ((x / w + 0.10 * wobble) * side).astype(int) % side
+    rows = ((y / w / tall + 0.05 * wobble) * side).astype(int) % side
+    plates = full[rows, columns]
+    furrow = np.abs(plates - 0.5) * 2  # 0 in the furrow
+    furrow = np.minimum(furrow * 2.2, 1.0)
+    raised = smoothstep(0.0, 0.55, furrow)
+    fibre = field(grain * 5, 7.0, seed + 4, 3)
+    rise = raised + 0.30 * fibre
+    soft = (rise + np.roll(rise, 1, 1) + np.roll(rise, -1, 1)) / 3
+    slope = np.roll(soft, -2, 1) - np.roll(soft, 2, 1) + 0.6 * (np.roll(soft, -2, 0) - np.roll(soft, 2, 0))
+    value = 0.12 + 0.44 * raised + 0.42 * (fibre - 0.5) + np.clip(1.5 * slope, -0.30, 0.42) + 0.22 * (field(5, 2.0, seed + 5) - 0.5)
+    value = np.clip(value, 0, 1) * (len(tones) - 1)
+    table = np.array(tones)
+    picture = np.stack([np.interp(value, np.arange(len(tones)), table[:, i]) for i in range(3)], axis=-1)
+    foot = 1 - y / h
+    patch = 0.55 * field(6, 1.2, seed + 6, 4) + 0.45 * field(20, 0.9, seed + 7, 3) + 0.10 * raised
+    moss = smoothstep(-0.04, 0.05, patch - 0.43 - 0.30 * smoothstep(0.0, moss_height, foot))
+    tuft = np.clip(0.15 + 0.9 * field(60, 1.0, seed + 8, 2) + 1.2 * np.clip(slope, -0.3, 0.3) - 0.25 * (1 - raised), 0, 1)
+    picture = mix(picture, mix(rgb("2a3219"), rgb("8d9440"), tuft), moss * 0.92)
+    picture = stood(picture, foot)
+    picture = picture.reshape(height, FINE, width, FINE, 3).mean(axis=(1, 3))
+    return picture + 0.7 * (picture - blur(picture, 1.0))
+
+
+def stood(picture, foot):
+    """Darker at the ground and under the crown."""
+    shade = (1 - 0.55 * smoothstep(0.05, 0.0, foot)) * (1 - 0.50 * smoothstep(0.60, 0.95, foot))
+    return picture * shade[..., None]
+
+
+def scaly(region, seed, tones):
+    """Bark of small loose plates, each lit on its left flank."""
+    _, _, width, height = region
+    gap, tone = plates(width, height, 8, 13, seed)
+    fibre = noise(SIZE, SIZE, 60, 3, seed + 1)[:height, :width]
+    raised = smoothstep(0.02, 0.30, gap)
+    slope = np.roll(raised, -1, 1) - np.roll(raised, 1, 1) + 0.8 * (np.roll(raised, -1, 0) - np.roll(raised, 1, 0))
+    value = 0.05 + 0.36 * raised + 0.30 * (tone - 0.4) + 0.55 * (fibre - 0.5) + np.clip(0.5 * slope, -0.25, 0.38)
+    value = np.clip(value, 0, 1) * (len(tones) - 1)
+    picture = np.stack([np.interp(value, np.arange(len(tones)), np.array(tones)[:, i]) for i in range(3)], axis=-1)
+    foot = 1 - (np.mgrid[0:height, 0:width][0] + 0.5) / height
+    patch = noise(SIZE, SIZE, 18, 4, seed + 2)[:height, :width]
+    moss = smoothstep(-0.05, 0.06, patch - 0.46 - 0.35 * smoothstep(0.0, 0.32, foot))
+    tuft = np.clip(0.1 + 0.8 * noise(SIZE, SIZE, 128, 2, seed + 3)[:height, :width] + 0.4 * slope, 0, 1)
+    return stood(mix(picture, mix(rgb("2a3219"), rgb("8d9440"), tuft), moss * 0.9), foot)
+
+
+MIST = [rgb("c87a48"), rgb("94565a"), rgb("5c4460"), rgb("343c55"), rgb("1c2a31")]  # from the ground up
+
+
+def depth(region, seed):
+    """The wood's inside: the evening's glow between far stems, nearer ones before it, a dark roof of leaves."""
+    brush = Brush(region, seed, rgb("000000"))
+    rng, (_, _, width, height) = brush.rng, region
+    up = 1 - brush.y / height
+    w, h = brush.width, brush.height
+    sway = noise(w, w, 6, 3, seed + 1)[:h] - 0.5
+    level = np.clip((up - 0.10 + 0.10 * sway) / 0.62, 0, 1)
+    table, at = np.array(MIST), np.array([0.0, 0.20, 0.45, 0.72, 1.0])
+    brush.picture = np.stack([np.interp(level, at, table[:, i]) for i in range(3)], axis=-1)
+    brush.picture *= (0.78 + 0.45 * noise(w, w, 4, 3, seed + 2)[:h])[..., None]
+
+    def stem(x, wide, colour, rim, haze):
+        bend = rng.normal() * 5 * np.sin(brush.y / height * 3 + rng.random() * 6)
+        spread = wide / 2 * (1 + 1.1 * smoothstep(0.12, 0.0, up - 0.04) + 0.2 * (1 - up))
+        dx = (brush.x - x - bend + width / 2) % width - width / 2
+        mask = smoothstep(spread + 0.5, spread - 0.5, np.abs(dx))
+        ridges = 0.5 + 0.5 * np.sin(dx / wide * 19 + 1.3 * np.sin(brush.y / 23 + x) + 0.9 * np.sin(brush.y / 9 + 2 * x))
+        tone = 0.8 + 0.26 * ridges * smoothstep(6, 20, wide) - 0.25 * dx / wide
+        face = mix(colour * tone[..., None], brush.picture, haze * smoothstep(0.5, 0.0, up))
+        lit = smoothstep(-0.30, -0.5, dx / (2 * spread)) * rim * smoothstep(0.75, 0.15, up)
+        face = mix(face, rgb("e08a4a"), lit)
+        brush.picture = mix(brush.picture, face, mask)
+
+    def thicket(low, colours, count, size, spread):
+        for _ in range(count):
+            x = rng.random() * width
+            y = height * (1 - low * (0.75 + 0.5 * np.sin(x / width * 6.28 * 3 + spread))) + abs(rng.normal()) * height * low * 0.6
+            brush.leaf(x, min(y, height), -np.pi / 2 + rng.normal() * 0.8, size * rng.uniform(0.7, 1.4), size * 0.5,
+                       ramp(colours, rng.uniform(0, 1) * np.clip(1.25 - (y / height - (1 - low)) / low, 0.2, 1)), 0.3)
+
+    for _ in range(700):  # far crowns, hardly darker than the mist behind them
+        x = rng.random() * width
+        hang = 0.60 + 0.10 * np.sin(x / width * 6.28 * 5) + 0.05 * np.sin(x / width * 6.28 * 13 + 2)
+        y = height * hang * rng.random() ** 0.6
+        tone = np.array([np.interp(1 - y / height, (0.10 + 0.62 * np.array([0, 0.2, 0.45, 0.72, 1.0])), np.array(MIST)[:, i]) for i in range(3)])
+        brush.leaf(x, y, np.pi / 2 + rng.normal() * 0.8, rng.uniform(10, 20), 9, tone * rng.uniform(0.70, 0.92), 0.1)
+    for _ in range(30):
+        stem(rng.random() * width, rng.uniform(4, 9), rgb("5c4658"), 0.25, 0.55)
+    thicket(0.13, [rgb("4a3a48"), rgb("7a5560")], 420, 14, 0.4)
+    for _ in range(15):
+        stem(rng.random() * width, rng.uniform(9, 16), rgb("37303c"), 0.45, 0.30)
+    thicket(0.11, [rgb("2a2b2c"), rgb("514b42")], 420, 15, 2.0)
+    for k in range(8):
+        stem((k + rng.uniform(0.2, 0.8)) * width / 8, rng.uniform(20, 32), rgb("2b2425"), 0.65, 0.05)
+    thicket(0.085, [rgb("161d18"), rgb("2c3a22"), rgb("5f6a34")], 900, 15, 4.1)
+    for _ in range(1900):  # the roof of leaves, hanging lower here and there
+        x = rng.random() * width
+        hang = 0.40 + 0.13 * np.sin(x / width * 6.28 * 4 + 1) + 0.08 * np.sin(x / width * 6.28 * 11)
+        t = rng.random() ** 0.8 * hang
+        value = 0.75 * rng.random() * (0.35 + 0.65 * smoothstep(hang, 0.0, t))
+        brush.leaf(x, t * height, np.pi / 2 + rng.normal() * 0.8, rng.uniform(12, 19), 9,
+                   ramp([rgb("121c1c"), rgb("22352f"), rgb("47603f"), rgb("8b8a48")], value), 0.4)
+    return brush.kept()
 
 
 def forest_picture():
-    picture = np.zeros((SIZE, SIZE, 3))
+    picture = np.zeros((FOREST_SIZE, FOREST_SIZE, 3))
 
     def put(region, part):
         x, y, width, height = region
         picture[y:y + height, x:x + width] = part
 
-    put(NEEDLES, strokes(NEEDLES, 620, 8.5, 2.3, (NEEDLE_DARK, NEEDLE, NEEDLE_LIGHT),
-                         lambda t: 0.75 - 0.55 * smoothstep(0.02, 0.45, t) + 0.42 * smoothstep(0.55, 1.0, t), 72))
-    put(LEAVES, strokes(LEAVES, 640, 11.0, 1.05, (LEAF_DARK, LEAF, LEAF_LIGHT),
-                        lambda t: 0.92 - 0.85 * t, 73))
-    put(SCRUB, strokes(SCRUB, 620, 8.0, 1.5, (rgb("2a2c1e"), rgb("5b6130"), rgb("a79a4e")),
-                       lambda t: 0.85 - 0.85 * t, 74))
-    put(DEEP, strokes(DEEP, 800, 7.0, 1.7, (rgb("1a2323"), rgb("2b3b34"), rgb("5d7050")),
-                      lambda t: 0.85 * smoothstep(0.55, 0.0, t), 75))
-    _, _, width, height = STEM
-    fibre = noise(SIZE, SIZE, 24, 3, 76)[:width, :height].T
-    fibre = np.repeat(noise(SIZE, SIZE, 40, 2, 77)[:1, :width], height, axis=0) * 0.7 + fibre * 0.3
-    put(STEM, mix(rgb("2b211c"), rgb("86684c"), smoothstep(0.30, 0.70, fibre)))
+    gold = [rgb("3a2c1a"), rgb("7c5f28"), rgb("b48d38"), rgb("e6b44e"), rgb("ffdf88")]
+    green = [rgb("1c2a24"), rgb("35543e"), rgb("55784e"), rgb("98a85c"), rgb("d9d486")]
+    scrub = [rgb("20251a"), rgb("424d26"), rgb("6c7736"), rgb("a6a44e"), rgb("d2c671")]
+    red = (rgb("b8642e"), rgb("94903c"))
+    put(DEEP, depth(DEEP, 75))
+    put(LEAVES, clumps(LEAVES, 73, gold, 66, 14, 60, lambda t: 1.12 - 0.42 * t, red).kept() * 1.16)
+    put(BARK, furrowed(BARK, 76, [rgb("1d1614"), rgb("4a382c"), rgb("846a50"), rgb("c09d74"), rgb("dcbf95")], 9, 5.0, 0.42))
+    put(SCALES, scaly(SCALES, 77, [rgb("1e1414"), rgb("5a382e"), rgb("8c5c46"), rgb("bd8862"), rgb("d6aa84")]))
+    for seed, region in zip((72, 78), BOUGHS):
+        put(region, bough(region, seed, green))
+    put(SCRUB, clumps(SCRUB, 74, scrub, 58, 16, 38, lambda t: 1.15 - 0.55 * t, (rgb("a8893c"),)).kept())
+    put(CANOPY, clumps(CANOPY, 79, [c * (0.75, 0.82, 0.9) for c in green], 62, 15, 38, lambda t: 0.9 - 0.5 * t).kept())
+    put(FERN, frond(FERN, 81, scrub))
     return picture
 
 

@@ -121,8 +121,8 @@ TEST(Data, PicturesHaveTheirSizes) {
         {"stone.bmp", 2048, 2048}, {"intro.bmp",  2048, 1024}, {"house.bmp",     1024, 1024},
         {"sky.bmp",   1024, 1024}, {"floor.bmp",  1024, 1024}, {"north.bmp",     1024, 1024},
         {"south.bmp", 1024, 1024}, {"west.bmp",   1024, 1024}, {"east.bmp",      1024, 1024},
-        {"wood.bmp",   512,  512}, {"brick.bmp",   512,  512}, {"fire.bmp",       256,  256},
-        {"NPC.bmp",    512,  512}, {"forest.bmp",  512,  512}, {"fire_blue.bmp",  256,  256},
+        {"wood.bmp",   512,  512}, {"brick.bmp",  1024, 1024}, {"fire.bmp",       256,  256},
+        {"NPC.bmp",    512,  512}, {"forest.bmp", 1024, 1024}, {"fire_blue.bmp",  256,  256},
     };
     // clang-format on
     for (const auto &p : pictures) {
