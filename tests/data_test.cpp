@@ -77,7 +77,7 @@ TEST(Data, PicturesHaveTheirSizes) {
         {"sky.bmp",   1024, 1024}, {"floor.bmp",  1024, 1024}, {"north.bmp",     1024, 1024},
         {"south.bmp", 1024, 1024}, {"west.bmp",   1024, 1024}, {"east.bmp",      1024, 1024},
         {"wood.bmp",   512,  512}, {"brick.bmp",   512,  512}, {"fire.bmp",       256,  256},
-        {"NPC.bmp",    512,  512}, {"forest.bmp",  512,  512}, {"fire_blue.bmp",  256,  256},
+        {"NPC.bmp",    512,  512}, {"forest.bmp",  512,  512}, {"fire_blue.bmp",   64,   64},
     };
     // clang-format on
     for (const auto &p : pictures) {
