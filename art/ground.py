@@ -268,7 +268,7 @@ class Setts:
         a, b = u - row * course, along - joint(stone)
         length = joint(stone + 1) - joint(stone)
         # The joint is the stone's first texel; some stones are cut shorter by one at a side.
-        cut = (self.chance[..., :4] < 0.22).astype(np.int32)
+        cut = (self.chance[..., :4] < 0.09).astype(np.int32)
         self.first_u, self.last_u = a - 1 - cut[..., 0], course - 1 - a - cut[..., 1]
         self.first_v, self.last_v = b - 1 - cut[..., 2], length - 1 - b - cut[..., 3]
         self.inside = np.minimum(np.minimum(self.first_u, self.last_u), np.minimum(self.first_v, self.last_v))
@@ -278,7 +278,7 @@ class Setts:
         chance = self.chance
         kind = np.minimum((chance[..., 4] * len(STONES)).astype(int), len(STONES) - 1)
         picture = np.array(STONES, np.float32)[kind]
-        tone = 0.86 + 0.25 * chance[..., 0] + 0.05 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
+        tone = 0.86 + 0.25 * chance[..., 0] + 0.075 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
         lit = (self.first_u == 0) | (self.first_v == 0)
         dim = (self.last_u == 0) | (self.last_v == 0)
         tone += 0.20 * lit - 0.20 * dim
@@ -288,7 +288,7 @@ class Setts:
         crack = worn & (chance[..., 2] > 0.93) & (np.abs(self.first_u - 2 - slant * (self.first_v - 3)) < 0.55)
         tone -= 0.22 * crack
         pits = worn & (GRIT[part] > 1.75)
-        tone -= 0.24 * pits
+        tone -= 0.34 * pits
         picture *= tone[..., None]
         corner = (np.minimum(self.first_u, self.last_u) == 0) & (np.minimum(self.first_v, self.last_v) == 0)
         joint = np.where(self.inside < 0, 0.95, 0.55 * corner * (GRIT[part] > -0.6))
@@ -387,8 +387,8 @@ def round_paving(picture, x, z, mask, seed, course=0.78, length=1.0):
     beside = (-dx - dz) / (ring * 1.42)         # and the edges towards greater angles
     band = [np.exp(-((d / TEXEL - 1.7) / 0.9) ** 2) for d in (before_r, after_r, before_a, after_a)]
     relief = outer * (band[1] - band[0]) + beside * (band[3] - band[2])
-    tone = 0.88 + 0.24 * chance[..., 2] + 0.24 * relief + 0.05 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
-    tone -= 0.22 * ((GRIT[part] > 1.75) & (nearest > 2 * TEXEL))
+    tone = 0.88 + 0.24 * chance[..., 2] + 0.24 * relief + 0.07 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
+    tone -= 0.32 * ((GRIT[part] > 1.75) & (nearest > 2 * TEXEL))
     picture_here *= tone[..., None]
     filled = blended(JOINT * 0.60, MOSS * 0.7, smoothstep(0.25, 0.6, PATCH[part] + 0.35 * TUFT[part]))
     over(picture_here, filled, np.maximum(groove(nearest, 1.1), groove(np.maximum(corner - 0.6 * TEXEL, 0), 1.1)))
