@@ -30,7 +30,7 @@ COTTAGE = dict(eave_x=1.92, eave_z=2.45, eave_y=1.30, ridge_y=3.75, thick=0.38,
                wall_x=1.50, wall_z=2.05, hip_x=0.85, hip_z=1.40)
 INN = dict(eave_x=2.70, eave_z=3.88, eave_y=3.20, ridge_y=5.65, thick=0.24,
            wall_x=2.36, wall_z=3.58, low_x=2.08, low_z=3.22, floor_low=1.92, floor=2.20)
-# Its -x end stays 0.9 short of its footprint: a townsperson stands in that alley.
+# Its -x end stays 1.0 short of its footprint: a townsperson stands in that alley.
 HALL = dict(eave_x=4.15, eave_z=4.85, eave_y=2.00, ridge_y=5.85, thick=0.28,
             wall_x=3.95, wall_z=4.40, middle=-0.05)
 # The fallen part of the hall's roof: places along the ridge (x, from the hall's
