@@ -64,8 +64,9 @@ def main():
     values = heat()
     frame = np.zeros((SIZE, SIZE))
     frame[2:-2, 2:-2] = 1.0
-    for name, steps in (("fire.bmp", RED), ("fire_blue.bmp", BLUE)):
-        write_bmp(name, mix(0.0, colour(values, steps), frame))
+    write_bmp("fire.bmp", mix(0.0, colour(values, RED), frame))
+    blue = mix(0.0, colour(values, BLUE), frame)  # never seen from near
+    write_bmp("fire_blue.bmp", blue.reshape(64, SIZE // 64, 64, SIZE // 64, 3).mean(axis=(1, 3)))
 
 
 if __name__ == "__main__":

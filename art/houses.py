@@ -19,6 +19,7 @@ from shared import PALETTE, Mesh, mix, rgb, smoothstep, write_bmp
 
 GROUND = -1.7
 WALL_DENSITY, ROOF_DENSITY = 67, 48           # pixels a unit
+FRONT_DENSITY = 71                            # of the wall that is the first thing to be seen
 
 STONES = [PALETTE["stone"] * 1.1, PALETTE["stone"] * 0.85, rgb("8a7a6a"), rgb("6c6a72")]
 PLUM_TILES = [PALETTE["plum"] * 1.25, PALETTE["plum"], TILE_RED, rgb("6d4a63")]
@@ -29,8 +30,9 @@ COTTAGE = dict(eave_x=1.92, eave_z=2.45, eave_y=1.30, ridge_y=3.75, thick=0.38,
                wall_x=1.50, wall_z=2.05, hip_x=0.85, hip_z=1.40)
 INN = dict(eave_x=2.70, eave_z=3.88, eave_y=3.20, ridge_y=5.65, thick=0.24,
            wall_x=2.36, wall_z=3.58, low_x=2.08, low_z=3.22, floor_low=1.92, floor=2.20)
-HALL = dict(eave_x=4.60, eave_z=4.85, eave_y=2.00, ridge_y=5.85, thick=0.28,
-            wall_x=4.30, wall_z=4.40, middle=-0.45)
+# Its -x end stays 1.0 short of its footprint: a townsperson stands in that alley.
+HALL = dict(eave_x=4.15, eave_z=4.85, eave_y=2.00, ridge_y=5.85, thick=0.28,
+            wall_x=3.95, wall_z=4.40, middle=-0.05)
 # The fallen part of the hall's roof: places along the ridge (x, from the hall's
 # middle) and up the slope (0 eaves .. 1 ridge), from the +x end of the gap.
 GAP_FRONT = [(2.25, 1.0), (1.40, 0.80), (2.00, 0.58), (0.75, 0.36), (-0.10, 0.54), (-1.25, 0.60), (-1.75, 1.0)]
@@ -52,7 +54,7 @@ def cottage_gable():
     panel.window(0.0, 2.08, 0.62, 0.62)
     panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-2, -1, 2, 0.46, soft=0.03))
     panel.shade(panel.box(-2, 0.45, 2, 0.54, soft=0.05), 0.7)
-    panel.window(-0.82, 0.95, 0.66, 0.62, shutters=PALETTE["moss"] * 1.15)
+    company(panel, -0.82, 0.95, 0.66, 0.62, "plant", shutters=PALETTE["moss"] * 1.15)
     panel.door(0.62, 0.84, 1.55, rgb("6f3f35"))
     panel.lantern(1.27, 1.32)
     panel.eaves_shadow(1.865 + (1.5 - np.abs(panel.sway_x)) * 1.256, 0.75, 0.5)     # the roof's slope
@@ -67,7 +69,7 @@ def cottage_side():
         panel.beam(x, 0.4, x * 0.985, 1.95, 0.2)
     panel.beam(-2.0, 0.6, -0.75, 1.8, 0.17)
     panel.beam(2.0, 0.6, 0.75, 1.8, 0.17)
-    panel.window(0.0, 0.85, 0.7, 0.6, shutters=PALETTE["moss"] * 1.15)
+    company(panel, 0.0, 0.85, 0.7, 0.6, "cat", shutters=PALETTE["moss"] * 1.15)
     panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-3, -1, 3, 0.46, soft=0.03))
     panel.eaves_shadow(1.87, 0.7)
     panel.ground_dirt(0.55)
@@ -116,7 +118,7 @@ def bargeboard():
 def inn_ground_front():
     panel = Panel(4.3, 2.0, WALL_DENSITY, 7)
     panel.stones(0.30, (0.34, 0.72), STONES)
-    panel.window(-1.12, 0.78, 0.98, 0.76, columns=3, rows=2)
+    company(panel, -1.12, 0.78, 0.98, 0.76, "somebody", columns=3)
     panel.window(1.38, 0.78, 0.82, 0.76, columns=2, rows=2)
     panel.door(0.22, 0.96, 1.66, rgb("35504a"))
     panel.lantern(-0.42, 1.38)
@@ -160,7 +162,7 @@ def inn_gable():
     panel.beam(-2.3, 1.34, 2.3, 1.34, 0.22)
     panel.beam(-1.1, 2.42, 1.1, 2.42, 0.18)
     panel.beam(0.0, 2.5, 0.0, 3.4, 0.16)
-    panel.window(0.0, 0.42, 0.92, 0.72, columns=3, shutters=rgb("6b3a44"))
+    company(panel, 0.0, 0.42, 0.92, 0.72, "candle", columns=3, shutters=rgb("6b3a44"))
     panel.window(0.0, 1.64, 0.62, 0.60)
     panel.eaves_shadow(eave + (2.36 - np.abs(panel.sway_x)) * slope + 0.02, 0.6, 0.5)
     return panel
@@ -188,7 +190,7 @@ def plum_roof():
 
 
 def slate_roof():
-    panel = Panel(9.3, 6.25, ROOF_DENSITY, 13)
+    panel = Panel(8.7, 6.25, ROOF_DENSITY, 13)
     panel.shingles(0.40, 0.44, SLATES)
     roof_weather(panel, 6.2)
     slope = np.hypot(HALL["eave_z"], HALL["ridge_y"] - HALL["eave_y"])
@@ -222,26 +224,178 @@ def roof_weather(panel, ridge):
 
 
 def hall_front():
-    panel = Panel(8.7, 2.45, WALL_DENSITY, 14)
+    """The long side: a window full of people at its left end, where the game begins, then
+    the hall's sign, the great door between its lamps, and two smaller windows."""
+    panel = Panel(8.1, 2.45, FRONT_DENSITY, 14)
     panel.plaster()
-    for x in (-4.2, -2.95, -1.35, 1.35, 2.95, 4.2):
+    for x in (-3.84, 1.0, 2.42, 3.84):
         panel.beam(x, 0.6, x, 2.45, 0.26)
-    panel.beam(-4.3, 2.22, 4.3, 2.22, 0.26)
-    for side in (-1, 1):
-        panel.beam(side * 4.1, 1.05, side * 3.1, 2.1, 0.18)
-        panel.beam(side * 1.46, 1.62, side * 2.84, 2.06, 0.16)
+    panel.beam(-4.0, 2.22, 4.0, 2.22, 0.26)
+    panel.beam(3.74, 1.05, 3.20, 2.1, 0.18)
     panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-5, -1, 5, 0.84, soft=0.03))
     panel.shade(panel.box(-5, 0.84, 5, 0.92, soft=0.05), 0.65)
-    for x in (-2.15, 2.15):
-        panel.window(x, 0.98, 0.72, 0.78)
-    panel.door(0.0, 1.9, 2.05, rgb("5a4032"), double=True)
-    for x in (-1.18, 1.18):
-        panel.lantern(x * 1.02, 1.5)
     plume = smoothstep(1.5, 0.2, np.abs(panel.sway_x - 0.2) - 0.5 * panel.grain(0.4, 3))
-    panel.scorch(0.75 * plume * smoothstep(1.35, 2.3, panel.sway_y + 0.5 * (panel.grain(0.3, 4) - 0.5)))
-    panel.eaves_shadow(2.38, 0.75, 0.42)
+    panel.scorch(0.6 * plume * smoothstep(1.6, 2.3, panel.sway_y + 0.5 * (panel.grain(0.3, 4) - 0.5)))
+    panel.eaves_shadow(2.38, 0.62, 0.5)
     panel.ground_dirt(0.6)
+    lamplight(panel, ((-1.65, 1.46, 1.0), (0.76, 1.46, 0.9), (-3.0, 1.35, 0.8)))
+    feast(panel, -3.00, 0.98, 1.30, 0.90)
+    company(panel, 1.71, 0.98, 0.72, 0.80, "candle")
+    company(panel, 2.99, 0.98, 0.66, 0.80, "cat")
+    panel.door(-0.45, 1.8, 2.02, rgb("74492f"), double=True)
+    doorlight = np.exp(-np.hypot((panel.sway_x + 0.45) / 0.8, (panel.sway_y - 1.3) / 0.8) ** 2)
+    panel.glow(0.20 * doorlight * panel.box(-1.35, 0, 0.45, 2.1, soft=0.1), PALETTE["glow"])
+    for x in (-1.65, 0.76):
+        panel.lantern(x, 1.46)
+    poodle_sign(panel, -2.01, 1.42)
     return panel
+
+
+def lamplight(panel, places):
+    """Pools of warm light on a wall: x, y and strength of each."""
+    for x, y, strength in places:
+        away = np.hypot(panel.sway_x - x, (panel.sway_y - y) * 0.9)
+        panel.picture = panel.picture * (1 + strength * 0.55 * np.exp(-(away / 0.95) ** 2)[..., None]
+                                         * np.array([1.0, 0.80, 0.48]))
+        panel.glow(strength * 0.16 * np.exp(-(away / 0.55) ** 2), PALETTE["glow"])
+
+
+def pane_mask(panel, x, y, width, height, columns, rows, bar):
+    """The glass of a window less its bars."""
+    glass = panel.box(x - width / 2, y, x + width / 2, y + height, soft=0.012)
+    u = (panel.sway_x - x + width / 2) / width * columns
+    v = (panel.sway_y - y) / height * rows
+    near = np.minimum(np.abs(u - np.round(u)) * width / columns, np.abs(v - np.round(v)) * height / rows)
+    return glass * smoothstep(bar * 0.7, bar * 1.2, near)
+
+
+def blot(panel, x, y, wide, tall):
+    """Distance outside an ellipse, about."""
+    return (np.hypot((panel.sway_x - x) / wide, (panel.sway_y - y) / tall) - 1) * min(wide, tall)
+
+
+def solid(distance):
+    return smoothstep(0.010, -0.010, distance)
+
+
+DRAPE, DRAPE_LIGHT, FIGURE = rgb("8c2f2a"), rgb("c9503a"), rgb("4a2416")
+
+
+def room(panel, glass, y, height, fire_x):
+    """What shows through a window: a warm room, brightest about its lamp."""
+    away = np.hypot(panel.sway_x - fire_x, (panel.sway_y - y - height * 0.62) * 1.1)
+    wall = mix(rgb("fff0b4"), rgb("f6b14c"), smoothstep(0.04, 0.42, away))
+    wall = mix(wall, rgb("c8682c"), smoothstep(0.35, 0.85, away))
+    panel.blend(glass, wall * (0.94 + 0.12 * panel.grain(0.12, 72))[..., None])
+
+
+def drapes(panel, glass, x, y, width, height, reach=0.17):
+    """Curtains drawn to both sides, gathered below the middle."""
+    rise = (panel.sway_y - y) / height
+    half = width / 2
+    hang = reach * width * (0.55 + 0.75 * smoothstep(0.35, 1.0, rise) + 0.25 * smoothstep(0.35, 0.0, rise))
+    inward = half - np.abs(panel.sway_x - x)
+    fold = 0.5 + 0.5 * np.cos(inward / hang * 13)
+    panel.blend(glass * smoothstep(0.012, -0.012, inward - hang), mix(DRAPE, DRAPE_LIGHT, fold))
+    frill = y + height - 0.085 - 0.022 * np.cos((panel.sway_x - x) / 0.075 * np.pi)
+    panel.blend(glass * smoothstep(-0.012, 0.012, panel.sway_y - frill), mix(DRAPE * 0.9, DRAPE_LIGHT, fold))
+
+
+def candle(panel, glass, x, y):
+    panel.glow(glass * 0.8 * np.exp(-np.hypot(panel.sway_x - x, panel.sway_y - y - 0.20) / 0.10), rgb("fff4c8"))
+    panel.blend(glass * solid(panel.box_distance(x - 0.022, y, x + 0.022, y + 0.13)), PALETTE["cream"])
+    panel.blend(glass * solid(blot(panel, x, y + 0.185, 0.022, 0.05)), rgb("fffbe6"))
+
+
+def cat(panel, glass, x, y, size=1.0):
+    """A cat that sits on the sill, looking out."""
+    shape = np.minimum.reduce([
+        blot(panel, x, y + 0.10 * size, 0.085 * size, 0.12 * size),
+        blot(panel, x, y + 0.255 * size, 0.068 * size, 0.06 * size),
+        blot(panel, x - 0.045 * size, y + 0.32 * size, 0.018 * size, 0.045 * size),
+        blot(panel, x + 0.045 * size, y + 0.32 * size, 0.018 * size, 0.045 * size),
+        np.abs(blot(panel, x + 0.13 * size, y + 0.05 * size, 0.075 * size, 0.05 * size)) - 0.016 * size,
+    ])
+    panel.blend(glass * solid(shape), rgb("2e1710"))
+    for side in (-1, 1):
+        eye = blot(panel, x + side * 0.026 * size, y + 0.262 * size, 0.013, 0.015)
+        panel.blend(glass * solid(eye), rgb("ffe27a"))
+
+
+def person(panel, glass, x, y, size, coat, hat=None, mug=0):
+    """Head and shoulders of somebody in the room; `mug` raises a cup on that side."""
+    shoulders = np.maximum(blot(panel, x, y, 0.20 * size, 0.27 * size), y - 0.05 - panel.sway_y)
+    panel.blend(glass * solid(shoulders), coat)
+    lit = smoothstep(0.0, 0.2, panel.sway_y - y) * solid(shoulders)
+    panel.glow(glass * lit * 0.25, PALETTE["glow"])
+    panel.blend(glass * solid(blot(panel, x, y + 0.34 * size, 0.090 * size, 0.105 * size)), rgb("c98a5a"))
+    if hat is not None:
+        panel.blend(glass * solid(blot(panel, x, y + 0.415 * size, 0.145 * size, 0.026 * size)), hat)
+        panel.blend(glass * solid(blot(panel, x, y + 0.46 * size, 0.080 * size, 0.075 * size)), hat)
+    else:
+        hair = np.minimum(np.maximum(blot(panel, x, y + 0.36 * size, 0.105 * size, 0.11 * size),
+                                     y + 0.36 * size - panel.sway_y),
+                          blot(panel, x + 0.02 * size, y + 0.485 * size, 0.05 * size, 0.045 * size))
+        panel.blend(glass * solid(hair), FIGURE)
+    for side in (-1, 1):
+        panel.blend(glass * solid(blot(panel, x + side * 0.034 * size, y + 0.335 * size, 0.012, 0.016)), FIGURE)
+    if mug:
+        hand, top = x + mug * 0.30 * size, y + 0.26 * size
+        arm, _, _ = panel.line_distance(x + mug * 0.15 * size, y + 0.10 * size, hand, top)
+        panel.blend(glass * solid(arm - 0.040 * size), coat)
+        panel.blend(glass * solid(panel.box_distance(hand - 0.045, top, hand + 0.045, top + 0.12)), rgb("6b4a2a"))
+        foam = panel.box_distance(hand - 0.05, top + 0.10, hand + 0.05, top + 0.15)
+        panel.blend(glass * solid(foam), PALETTE["cream"])
+
+
+def feast(panel, x, y, width, height):
+    """The big window: two drinkers at a table with a candle, and a cat on the sill."""
+    panel.window(x, y, width, height, columns=3, rows=1, halo=0.5)
+    glass = pane_mask(panel, x, y, width, height, 3, 1, 0.030)
+    room(panel, glass, y, height, x + 0.02)
+    person(panel, glass, x - 0.40, y + 0.17, 1.0, rgb("5d2f52"), mug=1)
+    person(panel, glass, x + 0.41, y + 0.17, 1.0, rgb("3f5534"), hat=rgb("2c2430"))
+    panel.blend(glass * solid(panel.box_distance(x - 0.7, y, x + 0.7, y + 0.13)), rgb("6e3d20"))
+    panel.glow(glass * panel.box(x - 0.7, y + 0.11, x + 0.7, y + 0.135, soft=0.01) * 0.5, PALETTE["glow"])
+    candle(panel, glass, x - 0.03, y + 0.12)
+    cat(panel, glass, x + 0.10, y + 0.005, 0.95)
+    drapes(panel, glass, x, y, width, height, reach=0.11)
+
+
+def company(panel, x, y, width, height, who, columns=2, **kept):
+    """A smaller window with a candle, a cat, a plant or somebody in it."""
+    panel.window(x, y, width, height, columns=columns, halo=0.4, **kept)
+    glass = pane_mask(panel, x, y, width, height, columns, 2, 0.026)
+    room(panel, glass, y, height, x)
+    if who == "cat":
+        cat(panel, glass, x + 0.10, y + 0.005, 1.1)
+    elif who == "candle":
+        candle(panel, glass, x + 0.09, y + 0.01)
+    elif who == "plant":
+        panel.blend(glass * solid(panel.box_distance(x - 0.14, y, x + 0.02, y + 0.13)), rgb("9a4a2a"))
+        leaves = np.minimum.reduce([blot(panel, x - 0.06 + dx, y + 0.20 + dy, 0.05, 0.07)
+                                    for dx, dy in ((0, 0.06), (-0.08, 0.0), (0.08, 0.01))])
+        panel.blend(glass * solid(leaves), rgb("4d5a26"))
+    else:
+        person(panel, glass, x, y + 0.06, 0.85 * min(1, height / 0.7), rgb("5d2f52"))
+    drapes(panel, glass, x, y, width, height)
+
+
+def poodle_sign(panel, x, y):
+    """A board on an iron arm: a white poodle's head on green."""
+    panel.blend(panel.box(x - 0.26, y + 0.34, x + 0.24, y + 0.375, soft=0.01), PALETTE["soot"])
+    for side in (-0.16, 0.16):
+        panel.blend(panel.box(x + side - 0.012, y + 0.26, x + side + 0.012, y + 0.35, soft=0.008), PALETTE["soot"])
+    panel.shade(panel.box(x - 0.18, y - 0.33, x + 0.26, y + 0.20, soft=0.07), 0.6)
+    panel.blend(panel.box(x - 0.225, y - 0.27, x + 0.225, y + 0.27, soft=0.01, round_by=0.05), rgb("d69a3c"))
+    panel.blend(panel.box(x - 0.195, y - 0.24, x + 0.195, y + 0.24, soft=0.01, round_by=0.04), rgb("2f5a4c"))
+    white, grey = rgb("fff6e2"), rgb("cdbfae")
+    for dx, dy, r, tone in ((0.13, -0.06, 0.075, grey), (0.14, -0.13, 0.06, grey), (0.0, -0.02, 0.10, white),
+                            (-0.09, -0.06, 0.065, white), (0.02, 0.12, 0.085, white), (-0.05, 0.10, 0.06, white),
+                            (0.08, 0.09, 0.06, white), (0.06, -0.19, 0.07, white)):
+        panel.blend(solid(blot(panel, x + dx, y + dy, r, r)), tone)
+    panel.blend(solid(blot(panel, x - 0.15, y - 0.045, 0.028, 0.022)), PALETTE["soot"])
+    panel.blend(solid(blot(panel, x - 0.035, y + 0.005, 0.017, 0.02)), PALETTE["soot"])
 
 
 def hall_gable():
@@ -263,7 +417,7 @@ def hall_gable():
     panel.beam(0.15, 4.0, 0.9, 4.9, 0.16)
     panel.beam(4.1, 1.0, 2.2, 2.2, 0.18)
     panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-1, -1, 6, 0.84, soft=0.03))
-    panel.window(1.06, 1.05, 0.86, 0.86)
+    company(panel, 1.06, 1.05, 0.86, 0.86, "candle")
     panel.window(1.05, 2.72, 0.74, 0.80)
     panel.scorch(0.8 * smoothstep(1.5, 0.2, np.hypot(panel.sway_x, (panel.sway_y - 5.6) * 0.7)))
     panel.eaves_shadow(roof, 0.7, 0.5)

@@ -10,9 +10,10 @@ from pathlib import Path
 import numpy as np
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
-from shared import SEED, mix, rgb, smoothstep, write_bmp  # noqa: E402
+from shared import SEED, blur, mix, rgb, smoothstep, write_bmp  # noqa: E402
 
-SIZE = 1024
+SIZES = {"sky": (512, 512), "floor": (16, 16)}  # columns, rows; the floor is never in view
+SIDE_SIZE = (2048, 512)   # a wall is twice as wide as it is tall
 HALF = 100.0              # half the box's width
 LOW, HIGH = -45.0, 55.0   # floor and ceiling of the box
 EYE = 1.8
@@ -34,9 +35,17 @@ FARSIDE = ["1c1f38", "3b3a64", "47416c", "403a68", "2b2d58", "1b2148", "12183a",
 
 # ---- directions ---------------------------------------------------------
 
-def face_points(name):
-    """World positions of a picture's texels, (SIZE, SIZE, 3); row 0 is t = 1."""
-    s, t = np.meshgrid((np.arange(SIZE) + 0.5) / SIZE, 1 - (np.arange(SIZE) + 0.5) / SIZE)
+def size_of(name):
+    return SIZES.get(name, SIDE_SIZE)
+
+
+def face_points(name, across=0.5, down=0.5):
+    """World positions of a picture's texels, (rows, columns, 3); row 0 is t = 1.
+
+    (across, down) is the place within each texel, its middle if not given.
+    """
+    columns, rows = size_of(name)
+    s, t = np.meshgrid((np.arange(columns) + across) / columns, 1 - (np.arange(rows) + down) / rows)
     across, back, up = 2 * HALF * s - HALF, HALF - 2 * HALF * s, LOW + (HIGH - LOW) * t
     flat = np.full_like(s, HALF)
     x, y, z = {
@@ -62,7 +71,8 @@ def texel_of(name, direction):
     s = (u + HALF) / (2 * HALF)
     t = {"sky": (HALF - x) / (2 * HALF), "floor": (z + HALF) / (2 * HALF)}.get(
         name, (y + EYE - LOW) / (HIGH - LOW))
-    return s * SIZE - 0.5, (1 - t) * SIZE - 0.5
+    columns, rows = size_of(name)
+    return s * columns - 0.5, (1 - t) * rows - 0.5
 
 
 def direction_of(azimuth, height):
@@ -249,90 +259,119 @@ def smoke(sky, view, noise):
     return sky
 
 
-def ridge(sky, view, top, colour_top, colour_low, depth):
-    """Everything below the line `top`, lighter at its upper edge, hazy at its foot."""
-    inside = smoothstep(-EDGE, EDGE, top - view.height)
-    down = np.clip((top - view.height) / depth, 0, 1)
-    return blend(sky, blend(colour_top, colour_low, down), inside)
+# ---- the country: one panorama round the horizon --------------------------
+
+STEP = 0.025                    # degrees from pixel to pixel, finer than any texel of the walls
+FOOT, HEAD = -3.0, 13.0         # heights between which the country is drawn
+COLUMNS, LINES = round(360 / STEP), round((HEAD - FOOT) / STEP)
+AZIMUTH = (np.arange(COLUMNS) + 0.5) * STEP
+HEIGHT = HEAD - (np.arange(LINES) + 0.5) * STEP
 
 
-def roofs(seed, count, tallest):
-    """Gables and towers strung along the horizon in clusters: azimuth, half width, wall, roof, is tower."""
-    rng = np.random.default_rng(SEED * 1000 + seed)
-    houses = []
-    for centre in rng.permutation(np.arange(0, 360, 360 / count)) + rng.random(count) * 20:
-        for _ in range(rng.integers(4, 9)):
-            tower = rng.random() < 0.3
-            half = rng.uniform(0.22, 0.34) if tower else rng.uniform(0.4, 0.85)
-            wall = rng.uniform(0.9, tallest) if tower else rng.uniform(0.25, 0.55)
-            roof = wall * 0.5 + 0.45 if tower else half * 0.9
-            houses.append((centre + rng.normal() * 4.0, half, wall, roof, tower))
-    return houses
+class Bearing:
+    """What by_side asks of a direction, for azimuths alone."""
+
+    def __init__(self, azimuth):
+        self.sunward = np.cos(np.radians(np.asarray(azimuth, float) - SUN_AZIMUTH))
 
 
-def far_town(sky, view, ground, houses, colours):
-    """Silhouettes standing on the line `ground`, each with a lit window or two."""
-    sky = sky.copy()
-    lit = []
-    for azimuth, half, wall, roof, tower in houses:
-        near = (np.abs(turn(view.azimuth, azimuth)) < half + 0.6) & (view.height < 9) & (view.height > -2)
-        if not near.any():
-            continue
-        v = view.only(near)
-        side = turn(v.azimuth, azimuth) * np.cos(np.radians(v.height))
-        foot = ground(np.array([azimuth]))[0] - 0.15
-        up = v.height - foot
-        body = np.minimum(half - np.abs(side), wall - up)
-        eave = half * (1.25 if tower else 1.12)
-        slope = np.minimum((eave * (1 - (up - wall) / roof) - np.abs(side)) * 0.7, up - wall + 0.04)
-        inside = smoothstep(-EDGE, EDGE, np.maximum(body, slope)) * smoothstep(-0.3, 0.0, up + 0.3)
-        sun = turn(SUN_AZIMUTH, azimuth)
-        sunny = -side / half * np.sign(sun) * smoothstep(0, 40, abs(sun))
-        base = by_side(v, *colours)
-        shade = blend(base * 1.10, base * 1.42 + 0.03, smoothstep(0.25, -0.05, sunny))
-        shade = blend(shade, base * 0.68, smoothstep(-0.05, 0.05, slope) * smoothstep(0.10, -0.05, body))
-        sky[near] = blend(sky[near], shade, inside)
-        lit.append((azimuth + half * 0.3, foot + wall * 0.62, 0.10 if tower else 0.13))
-    for azimuth, height, size in lit[::2]:
-        near = (np.abs(turn(view.azimuth, azimuth)) < 1.5) & (np.abs(view.height - height) < 1.5)
-        v = view.only(near)
-        away = (turn(v.azimuth, azimuth)) ** 2 + ((v.height - height) * 0.8) ** 2
-        light = np.exp(-away / size ** 2) * 0.95 + np.exp(-away / (size * 4) ** 2) * 0.16
-        sky[near] += light[..., None] * np.array([1.0, 0.66, 0.25])
-    return sky
+def sunny_side(azimuth):
+    """Which side of a thing the sun lights: 1 that of greater azimuth, -1 the other, 0 neither."""
+    away = turn(SUN_AZIMUTH, azimuth)
+    return np.sign(away) * smoothstep(0, 30, np.abs(away)) * smoothstep(180, 150, np.abs(away))
 
 
-def far_fires(sky, view):
-    """Small flames at the feet of the smoke columns."""
-    rng = np.random.default_rng(SEED * 1000 + 51)
-    sky = sky.copy()
-    for azimuth, _, _, wide in PLUMES:
-        foot = town_ridge(np.array([float(azimuth)]))[0]
-        for _ in range(7):
-            place, tall = azimuth + rng.normal() * 0.75 * wide, rng.uniform(0.35, 0.9) * wide
-            near = (np.abs(turn(view.azimuth, place)) < 2) & (np.abs(view.height - foot) < 3)
-            v = view.only(near)
-            rise = np.clip((v.height - foot + 0.25) / tall, -1, 1)
-            flame = np.exp(-(turn(v.azimuth, place) / (0.16 * wide * (1.1 - rise))) ** 2)
-            flame *= smoothstep(-0.2, 0.15, rise) * smoothstep(1, 0.2, rise)
-            sky[near] += flame[..., None] * np.array([0.95, 0.42, 0.10])
-    return sky
+def texture(across, up, octaves, seed):
+    """Soft noise on the panorama, about -1..1, without a seam; lumps in degrees."""
+    rng = np.random.default_rng(SEED * 1000 + 300 + seed)
+    total, weight = np.zeros((LINES, COLUMNS), np.float32), 0.0
+    for octave in range(octaves):
+        columns, rows = round(360 / across * 2 ** octave), round((HEAD - FOOT) / up * 2 ** octave) + 2
+        lattice = rng.random((rows, columns)).astype(np.float32) * 2 - 1
+        x, y = np.arange(COLUMNS) / COLUMNS * columns, np.arange(LINES) / LINES * (rows - 2)
+        x0, y0 = x.astype(int), y.astype(int)
+        fx, fy = (x - x0).astype(np.float32), (y - y0).astype(np.float32)[:, None]
+        fx, fy = fx * fx * (3 - 2 * fx), fy * fy * (3 - 2 * fy)
+        left, right = lattice[:, x0 % columns], lattice[:, (x0 + 1) % columns]
+        level = left + (right - left) * fx
+        total += (level[y0] * (1 - fy) + level[y0 + 1] * fy) * 0.6 ** octave
+        weight += 0.6 ** octave
+    return total / weight
+
+
+class Panorama:
+    """Colours, already multiplied by how much they cover of the sky behind them."""
+
+    def __init__(self):
+        self.colour = np.zeros((LINES, COLUMNS, 3), np.float32)
+        self.cover = np.zeros((LINES, COLUMNS), np.float32)
+
+    def patch(self, azimuth, reach, low, high):
+        """A place to draw on: its rows and columns, and x, y in degrees from (azimuth, 0)."""
+        first, last = int(np.floor((azimuth - reach) / STEP)), int(np.ceil((azimuth + reach) / STEP))
+        columns = np.arange(first, last + 1)
+        top = max(0, int((HEAD - high) / STEP))
+        rows = np.arange(top, min(LINES, int((HEAD - low) / STEP) + 1))
+        x, y = np.meshgrid((columns + 0.5) * STEP - azimuth, HEAD - (rows + 0.5) * STEP)
+        return np.ix_(rows, columns % COLUMNS), x, y
+
+    def paint(self, place, colour, mask):
+        mask = np.clip(mask, 0, 1).astype(np.float32)
+        self.colour[place] = blend(self.colour[place], np.asarray(colour, np.float32), mask)
+        self.cover[place] += (1 - self.cover[place]) * mask
+
+    def shine(self, azimuth, height, size, colour, tall=1.0):
+        """Light added round a place."""
+        place, x, y = self.patch(azimuth, 3.5 * size, height - 3.5 * size * tall, height + 3.5 * size * tall)
+        light = np.exp(-(x / size) ** 2 - ((y - height) / (size * tall)) ** 2)
+        self.colour[place] += (light[..., None] * colour).astype(np.float32)
+
+    def seen(self, view):
+        """Colour and cover in some directions."""
+        column = (view.azimuth / STEP).astype(int) % COLUMNS
+        row = np.clip((HEAD - view.height) / STEP, 0, LINES - 1).astype(int)
+        return self.colour[row, column], self.cover[row, column]
+
+
+def cut(distance):
+    """1 inside a shape (distance < 0), 0 outside, with a rim of about a pixel."""
+    return np.clip(0.5 - distance / STEP, 0, 1)
+
+
+def block(x, y, left, right, low, high):
+    """How far outside a rectangle, negative inside."""
+    return np.maximum(np.maximum(left - x, x - right), np.maximum(low - y, y - high))
+
+
+def ridge(panorama, top, shade):
+    """Everything below the line `top` (a height per column); shade(rows, down) gives its
+    colours, `down` being degrees below the line."""
+    rows = slice(max(0, int((HEAD - top.max()) / STEP) - 2), LINES)
+    down = top[None, :] - HEIGHT[rows, None]
+    panorama.paint((rows, slice(None)), shade(rows, down), cut(-down))
 
 
 def far_ridge(azimuth):
-    return 3.0 + 2.2 * skyline(azimuth, 1, 3, 90, 0.9)
+    crests = 1.0 - np.abs(skyline(azimuth, 61, 7, 34, 0.8))     # pointed summits
+    high = smoothstep(-0.7, 0.7, skyline(azimuth, 62, 2, 5, 1))
+    return 2.6 + 1.6 * skyline(azimuth, 1, 3, 20, 1.0) + (0.4 + 1.5 * crests) * high + \
+        0.10 * skyline(azimuth, 63, 40, 110, 0.5)
 
 
 def back_ridge(azimuth):
-    return 2.1 + 1.2 * skyline(azimuth, 6, 4, 70, 1.0)
+    return 2.1 + 1.2 * skyline(azimuth, 6, 4, 40, 1.0)
 
 
 def town_ridge(azimuth):
-    return 1.25 + 0.85 * skyline(azimuth, 2, 4, 60, 1.15)
+    return 1.25 + 0.85 * skyline(azimuth, 2, 4, 40, 1.15)
 
 
 def near_ridge(azimuth):
-    return 0.35 + 0.5 * skyline(azimuth, 3, 5, 40, 1.1)
+    return 0.35 + 0.5 * skyline(azimuth, 3, 5, 30, 1.1)
+
+
+def at(line, azimuth):
+    return float(line(np.array([float(azimuth)]))[0])
 
 
 def treeline(azimuth, seed, size):
@@ -342,51 +381,390 @@ def treeline(azimuth, seed, size):
         rng = np.random.default_rng(SEED * 1000 + seed + layer)
         count = round(360 / size * rng.uniform(0.8, 1.1))
         tall, shift = rng.random(count) ** 1.6, rng.uniform(-0.3, 0.3, count)
-        pointed = rng.random(count) < 0.45
+        pointed = rng.random(count) < 0.6
         place = (azimuth / 360.0) % 1.0 * count + layer * 0.29
         tree = np.floor(place).astype(int) % count
         away = np.clip(np.abs(place - np.floor(place) - 0.5 + shift[tree] * 0.3) * 2.2, 0, 1)
-        shape = np.where(pointed[tree], (1 - away) * 1.35, np.sqrt(1 - away ** 2))
+        steps = 0.10 * (np.ceil(away * 4) - away * 4) * away        # branches of a pointed one
+        shape = np.where(pointed[tree], (1 - away) * 1.5 + steps, np.sqrt(1 - away ** 2))
         heads = np.maximum(heads, shape * (0.25 + tall[tree]) * size * 0.75)
     return heads * smoothstep(-0.35, 0.3, skyline(azimuth, seed + 5, 4, 30, 0.7))
 
 
-def country(sky, view, noise):
-    """Mountains, hills, the far town and the fields that run up to the ground's edge."""
-    haze = by_side(view, rgb("e08a4a"), rgb("96586a"), rgb("42406a"))
-    dark = by_side(view, rgb("4e2b3f"), rgb("342746"), rgb("171b38"))
-    field = fields_beyond(view)  # the ground's picture ends in the same tone
-    azimuth = view.azimuth
-    place = view.direction * np.array([50.0, 0.0, 50.0], np.float32)
-    place[..., 1] = view.height * 3.0
-    patch = noise(place, 3)
-    # The sides of the mountains that face the sun are lit: the slope tells which.
-    slope = np.clip((far_ridge(azimuth + 0.5 + 0.3 * patch) - far_ridge(azimuth - 0.5)) * 0.9, -1, 1)
-    sun = turn(SUN_AZIMUTH, azimuth)
-    facing = slope * np.sign(sun) * smoothstep(0, 35, np.abs(sun))
-    tall = blend(haze, dark, np.clip(0.46 - 0.16 * facing + 0.05 * patch, 0, 1))
-    sky = ridge(sky, view, far_ridge(azimuth), tall, blend(haze, dark, 0.12 + 0 * azimuth), 4.2)
-    sky = ridge(sky, view, back_ridge(azimuth) + treeline(azimuth, 30, 0.5) * 0.6,
-                blend(haze, dark, 0.58 + 0.08 * patch), blend(haze, dark, 0.26 + 0 * azimuth), 2.6)
-    sky = ridge(sky, view, town_ridge(azimuth) + treeline(azimuth, 20, 0.75) * 0.7,
-                blend(haze, dark, 0.74 + 0.12 * patch), blend(haze, dark, 0.42 + 0.10 * patch), 2.0)
-    sky = far_fires(sky, view)
-    sky = far_town(sky, view, town_ridge, roofs(11, 7, 2.4), (rgb("61334a"), rgb("402c4e"), rgb("1e2144")))
-    wooded = blend(dark, field, 0.22 + 0 * azimuth) * (0.9 + 0.15 * patch)[..., None]
-    field = field * (1 + 0.12 * patch)[..., None]
-    sky = ridge(sky, view, near_ridge(azimuth) + treeline(azimuth, 40, 1.0), wooded, field, 1.3)
-    return far_town(sky, view, near_ridge, roofs(12, 9, 1.5), (rgb("472a33"), rgb("30243a"), rgb("181c33")))
+def mountains(panorama):
+    """Crests with a lit and a shaded side to every gully, hazier towards their feet."""
+    side = Bearing(AZIMUTH)
+    haze = by_side(side, rgb("e5884a"), rgb("96586a"), rgb("45436f"))
+    dark = by_side(side, rgb("5a2f45"), rgb("3b2b4e"), rgb("1b2042"))
+    lit = by_side(side, rgb("f3a45c"), rgb("b87079"), rgb("55528a"))
+    line = far_ridge(AZIMUTH)
+    slope = np.gradient(blur(line[None], 6)[0], STEP)
+    facing = sunny_side(AZIMUTH)
+    facing = np.where(np.abs(facing) < 0.35, 0.35, facing)
+    sway = texture(1.6, 0.8, 3, 1)
+
+    def shade(rows, down):
+        # A summit's spurs run down and apart: every place is lit like the crest it hangs from.
+        crest = ((AZIMUTH[None, :] + down * 0.55 * np.tanh(slope * 2)[None, :] + 0.5 * sway[rows]) / STEP).astype(int)
+        light = slope[crest % COLUMNS] * facing[None, :] + 0.16 * sway[rows]
+        body = blend(haze[None], dark[None], np.clip(0.50 - 0.08 * down, 0.2, 1))
+        body = blend(body, dark[None], 0.26 * smoothstep(0.05, -0.45, light) * np.exp(-down / 2.6))
+        body = blend(body, lit[None], 0.40 * smoothstep(0.0, 0.5, light) * np.exp(-down / 2.2))
+        return blend(body, haze[None], smoothstep(0.6, 4.0, down) * 0.75)
+
+    ridge(panorama, line, shade)
 
 
-def fields_beyond(view):
+def wooded_hills(panorama):
+    """Hills behind the far town, covered with woods that show row upon row of heads."""
+    side = Bearing(AZIMUTH)
+    haze = by_side(side, rgb("e08a4a"), rgb("96586a"), rgb("42406a"))
+    dark = by_side(side, rgb("4e2b3f"), rgb("342746"), rgb("171b38"))
+    grain = texture(0.8, 0.5, 3, 6)
+    for k, drop in enumerate((0.0, 0.34, 0.72)):
+        line = back_ridge(AZIMUTH) - drop + 0.25 * skyline(AZIMUTH, 70 + k, 9, 40, 0.8) * (k > 0)
+        heads = treeline(AZIMUTH, 30 + 7 * k, 0.46) * 0.75
+
+        def shade(rows, down, line=line, k=k):
+            depth = line[None, :] - HEIGHT[rows, None]    # not below the heads: that would show as stripes
+            tone = np.clip(0.62 + 0.07 * k - 0.5 * smoothstep(-0.2, 1.4, depth) + 0.12 * grain[rows], 0, 1)
+            body = blend(haze[None], dark[None], tone)
+            return blend(body, haze[None] * 1.12, 0.25 * np.exp(-down / 0.10))
+
+        ridge(panorama, line + heads, shade)
+
+
+def patchwork(down, seed, first, deepest, wide):
+    """Strips of land on a slope seen from afar: a number 0..1 per field, how near its
+    hedge is (degrees) and a place along its furrows."""
+    rng = np.random.default_rng(SEED * 1000 + seed)
+    depth = np.log1p(np.clip(down, 0, None) / first)
+    lanes = np.log1p(deepest / first) / 5
+    lean = skyline(AZIMUTH, seed, 3, 20, 0.9)[None, :]
+    lane = depth / lanes + 0.55 * lean
+    j = np.floor(lane).astype(int)
+    count = round(360 / wide)
+    along = AZIMUTH[None, :] / 360 * count + 0.37 * j + 0.8 * (lane - j) * np.where(j % 2, 1, -0.6)
+    i = np.floor(along).astype(int)
+    tones = rng.random((64, 512))
+    hedge = np.minimum(np.minimum(along - i, 1 - along + i) * wide,
+                       np.minimum(lane - j, 1 - lane + j) * lanes * (first + np.clip(down, 0, None)))
+    return tones[j % 64, i % 512], hedge, along * wide
+
+
+def town_hills(panorama):
+    """The hills that carry the far town: fields parted by hedges, woods on their crests."""
+    side = Bearing(AZIMUTH)
+    haze = by_side(side, rgb("d9824c"), rgb("8c566a"), rgb("3d3f66"))
+    dark = by_side(side, rgb("4e2b3f"), rgb("342746"), rgb("171b38"))
+    grain = texture(1.4, 0.5, 3, 2)
+    line = town_ridge(AZIMUTH)
+
+    def shade(rows, down):
+        depth = line[None, :] - HEIGHT[rows, None]
+        tone, hedge, _ = patchwork(depth, 64, 0.5, 2.2, 4.6)
+        body = blend(haze[None], dark[None], np.clip(0.62 + 0.30 * (tone - 0.5) + 0.10 * grain[rows], 0, 1))
+        body = blend(body, dark[None] * 0.92, 0.6 * smoothstep(0.10, 0.03, hedge))
+        body = blend(body, haze[None], 0.38 * smoothstep(0.5, 1.9, depth))
+        return blend(body, haze[None] * 1.1, 0.35 * np.exp(-down / 0.10))
+
+    ridge(panorama, line + treeline(AZIMUTH, 20, 0.62) * 0.65, shade)
+
+
+# ---- trees, houses, fires -------------------------------------------------
+
+def tree(panorama, azimuth, foot, size, colours, rng):
+    """One tree, round or pointed, lighter where the sun or the open sky reaches it."""
+    base, rim = colours
+    side = sunny_side(azimuth) if abs(sunny_side(azimuth)) > 0.3 else 0.3
+    place, x, y = panorama.patch(azimuth, size * 0.75, foot - 0.1, foot + size * 1.7)
+    up = y - foot
+    shade = np.broadcast_to(base * 0.75, x.shape + (3,)).astype(np.float32)
+    trunk = cut(np.maximum(np.abs(x) - size * 0.05, np.maximum(up - size * 0.6, -up - 0.06)))
+    mask, light = trunk, np.zeros_like(x)
+    if rng.random() < 0.42:
+        tall, wide = size * rng.uniform(1.25, 1.6), size * rng.uniform(0.26, 0.34)
+        for k in range(5):
+            low = tall * (0.10 + 0.17 * k)
+            high = min(tall, low + tall * 0.34)
+            half = wide * (1 - 0.18 * k) * rng.uniform(0.9, 1.1)
+            rise = (up - low) / (high - low)
+            edge = half * (1 - rise) * (1 + 0.22 * np.sin(x / size * 23 + k * 2.1 + azimuth))
+            inside = cut(np.maximum(np.abs(x) - edge, np.maximum(low - up, up - high)))
+            tone = 0.55 * smoothstep(-0.2, 1.0, x * side / half + 0.2) + 0.35 * rise - 0.25
+            light = np.where(inside > mask * 0.99, tone, light)
+            mask = np.maximum(mask, inside)
+    else:
+        crown = size * rng.uniform(0.50, 0.62)
+        for k in range(18):
+            angle, reach = rng.uniform(0, 6.283), np.sqrt(rng.random()) * size * 0.36 * (k > 0)
+            cx, cy = reach * np.cos(angle) * 1.1, crown + reach * np.sin(angle) * 0.85
+            r = size * (rng.uniform(0.13, 0.21) if k else 0.30)
+            ragged = 1 + 0.10 * np.sin(np.arctan2(up - cy, x - cx) * 7 + angle * 9)
+            inside = cut(np.hypot(x - cx, up - cy) - r * ragged)
+            tone = 0.9 * ((x - cx) * side + (up - cy) * 1.1) / r * 0.5 + 0.35 * (cy - crown) / (0.3 * size)
+            light = np.where(inside > 0.5, tone, light)
+            mask = np.maximum(mask, inside)
+    leaves = np.clip(light, -0.6, 1)
+    shade = shade * (1 + 0.35 * leaves)[..., None]
+    shade = blend(shade, rim, 0.55 * smoothstep(0.30, 0.85, leaves))
+    panorama.paint(place, shade, mask)
+
+
+WINDOW = np.array([1.0, 0.74, 0.30])
+
+
+def lit_window(panorama, azimuth, height, half, tall):
+    place, x, y = panorama.patch(azimuth, half * 2.2, height - tall * 2, height + tall * 2)
+    frame = np.maximum(np.abs(x) - half - 0.02, np.abs(y - height) - tall - 0.02)
+    panorama.paint(place, rgb("2a1a1e"), cut(frame) * 0.8)
+    panorama.paint(place, WINDOW * 1.05, cut(np.maximum(np.abs(x) - half, np.abs(y - height) - tall)))
+    panorama.shine(azimuth, height, half * 4.5, WINDOW * np.array([0.24, 0.15, 0.08]))
+
+
+def house(panorama, azimuth, foot, size, colours, rng, lit=0.6):
+    """A gabled house: its gable on one side, its long wall and roof on the other."""
+    wall, roof, rim = colours
+    side = 1 if sunny_side(azimuth) >= 0 else -1
+    gable_side = side if rng.random() < 0.6 else -side
+    tall, steep = size * rng.uniform(0.42, 0.62), size * rng.uniform(0.50, 0.70)
+    gable, long = size * rng.uniform(0.30, 0.38), size * rng.uniform(0.55, 0.85)
+    place, x, y = panorama.patch(azimuth, gable * 2 + long + 0.2, foot - 0.25, foot + tall + steep * 1.5 + 0.3)
+    x, up = x * gable_side, y - foot  # the long wall from -long to 0, the gable from 0 to 2 * gable
+    lit_long, lit_gable = (0.82, 1.22) if gable_side == side else (1.15, 0.85)
+    rise = 0.85 + 0.25 * smoothstep(0, tall, up)
+
+    stack, half = -long * 0.55, size * 0.075
+    panorama.paint(place, roof * 0.9, cut(block(x, up, stack - half, stack + half, tall, tall + steep * 1.22)))
+    panorama.paint(place, wall * (lit_long * rise)[..., None], cut(block(x, up, -long, 0, -0.2, tall)))
+    lean = (up - tall) / steep * gable  # the roof runs back as it rises
+    slope = block(x, up, -long - 0.06 * size + lean * 0.55, lean + 0.02, tall - 0.05 * size, tall + steep)
+    tiles = 0.92 + 0.10 * np.cos((up - tall) / (size * 0.085) * 2 * np.pi)
+    panorama.paint(place, roof * (lit_long * tiles)[..., None], cut(slope))
+    panorama.paint(place, rim, cut(np.maximum(slope, tall + steep - 0.035 - up)) * 0.6)
+
+    away = np.abs(x - gable)
+    under = up - tall - steep * (1 - away / gable)
+    front = np.maximum(block(x, up, 0, 2 * gable, -0.2, 99), under)
+    panorama.paint(place, wall * (lit_gable * rise)[..., None], cut(front))
+    beams = np.minimum(np.abs(up - tall), np.minimum(away, gable - away))
+    panorama.paint(place, roof * 0.75, cut(np.maximum(front, beams - 0.014 - 0.012 * size)) * 0.8)
+    verge = np.maximum(np.abs(under) - 0.05 * size - 0.01, np.maximum(away - gable * 1.14, tall - 0.10 * size - up))
+    panorama.paint(place, roof * 0.8 + rim * 0.25, cut(verge))
+    middle = tall * 0.5
+    windows = ((gable, tall + steep * 0.25), (gable * 0.5, middle), (-long * 0.33, middle), (-long * 0.7, middle))
+    for wx, wy in windows:
+        if rng.random() < lit:
+            lit_window(panorama, azimuth + wx * gable_side, foot + wy, 0.045 * size + 0.018, 0.06 * size + 0.03)
+    door = gable * 1.45
+    if tall > 0.3:
+        panorama.paint(place, roof * 0.6, cut(block(x, up, door - 0.06 * size, door + 0.06 * size, 0, tall * 0.54)))
+
+
+def tower(panorama, azimuth, foot, size, colours, rng):
+    """A round tower under a pointed cap with a gallery."""
+    wall, roof, rim = colours
+    side = sunny_side(azimuth) if abs(sunny_side(azimuth)) > 0.2 else 0.4
+    half, tall = size * rng.uniform(0.15, 0.19), size * rng.uniform(1.1, 1.7)
+    cap = tall * rng.uniform(0.42, 0.6)
+    place, x, y = panorama.patch(azimuth, half * 2 + 0.1, foot - 0.25, foot + tall + cap + 0.3)
+    up = y - foot
+    width = half * (1.08 - 0.12 * np.clip(up / tall, 0, 1))
+    light = 0.95 + 0.32 * np.clip(x / width, -1, 1) * side
+    panorama.paint(place, wall * light[..., None], cut(block(x, up, -width, width, -0.2, tall)))
+    gallery = block(x, up, -width * 1.22, width * 1.22, tall * 0.94 - 0.05 * size, tall * 0.94 + 0.05 * size)
+    panorama.paint(place, wall * (0.8 * light)[..., None], cut(gallery))
+    reach = half * 1.35 * np.clip(1 - (up - tall) / cap, 0, 1.1) ** 1.15
+    spire = np.maximum(np.abs(x) - np.where(up < tall + cap, reach, -1), tall - 0.02 - up)
+    tiles = roof * (0.95 + 0.3 * np.clip(x / half, -1, 1) * side)[..., None]
+    panorama.paint(place, blend(tiles, rim, 0.55 * smoothstep(0.25, 0.7, x * side / (reach + 1e-3))), cut(spire))
+    panorama.paint(place, roof, cut(block(x, up, -0.012, 0.012, tall + cap - 0.03, tall + cap + 0.15)))
+    lit_window(panorama, azimuth, foot + tall * 0.74, 0.03 + 0.02 * size, 0.055 + 0.03 * size)
+    if rng.random() < 0.6:
+        lit_window(panorama, azimuth - half * 0.2, foot + tall * 0.42, 0.028 + 0.015 * size, 0.05 + 0.02 * size)
+
+
+def windmill(panorama, azimuth, foot, size, colours, rng):
+    wall, roof, rim = colours
+    side = sunny_side(azimuth) if abs(sunny_side(azimuth)) > 0.2 else 0.4
+    tall, half = size * 1.0, size * 0.26
+    place, x, y = panorama.patch(azimuth, size * 1.1, foot - 0.25, foot + size * 2.1)
+    up = y - foot
+    width = half * (1 - 0.38 * np.clip(up / tall, 0, 1))
+    light = 0.95 + 0.3 * np.clip(x / width, -1, 1) * side
+    panorama.paint(place, wall * light[..., None], cut(block(x, up, -width, width, -0.2, tall)))
+    dome = np.maximum(np.hypot(x / 1.15, up - tall) - half * 0.62, tall - 0.03 - up)
+    shine = 0.4 * smoothstep(0.1, 0.5, (x * side + up - tall) / half)
+    panorama.paint(place, blend(roof * np.ones(x.shape + (1,)), rim, shine), cut(dome))
+    x, up = x + side * half * 0.1, up - tall * 0.98  # from the hub
+    angle = rng.uniform(0.2, 0.5)
+    for turned in np.arange(4) * np.pi / 2 + angle:
+        along = x * np.cos(turned) + up * np.sin(turned)
+        across = up * np.cos(turned) - x * np.sin(turned)
+        sail = block(along, across, size * 0.2, size * 0.9, 0.01 * size, 0.14 * size)
+        panorama.paint(place, blend(wall * 1.25, rim, 0.35), cut(sail) * 0.85)
+        panorama.paint(place, roof * 0.7, cut(block(along, across, 0, size * 0.92, -0.016, 0.016)))
+    lit_window(panorama, azimuth, foot + tall * 0.4, 0.04, 0.06)
+
+
+def flames(panorama, azimuth, foot, wide, rng):
+    """A fire in the country: tongues over a glow."""
+    panorama.shine(azimuth, foot + 0.25 * wide, 0.9 * wide, np.array([0.55, 0.20, 0.05]), 0.8)
+    for _ in range(9):
+        lean, middle = rng.normal() * 0.10, azimuth + rng.normal() * 0.42 * wide
+        tall, half = rng.uniform(0.35, 0.95) * wide, rng.uniform(0.07, 0.14) * wide
+        place, x, y = panorama.patch(middle, half * 3 + 0.2, foot - 0.2, foot + tall + 0.1)
+        rise = np.clip((y - foot + 0.1) / (tall + 0.1), 0, 1)
+        sway = lean * rise + 0.25 * half * np.sin(rise * 7 + middle * 20)
+        width = half * 2.0 * rise ** 0.4 * (1 - rise) ** 0.8 + 1e-3
+        away = np.abs(x - sway) / width
+        heat = np.clip(1.15 - away, 0, 1) * smoothstep(1.0, 0.6, rise)
+        colour = blend(np.array([0.90, 0.30, 0.07]), np.array([1.0, 0.86, 0.45]), smoothstep(0.35, 0.85, heat))
+        panorama.paint(place, colour, smoothstep(0.05, 0.30, heat) * 0.95)
+
+
+def settlement(panorama, line, seed, places, size, colours_of, lit):
+    """Clusters of houses, towers and trees that stand on a line of hills."""
+    rng = np.random.default_rng(SEED * 1000 + seed)
+    for azimuth, kind in places:
+        wall, roof, rim, leaf, leaf_rim = (c[0] for c in colours_of(Bearing([azimuth])))
+        things = []
+        spread = size * (2.6 if kind == "town" else 1.5)
+        for _ in range({"town": 13, "hamlet": 5, "farm": 2, "burning": 4, "mill": 2}[kind]):
+            things.append((rng.normal() * spread, rng.uniform(0.02, 0.30) * size, "house"))
+        for _ in range({"town": 4, "hamlet": 1, "burning": 1}.get(kind, 0)):
+            things.append((rng.normal() * spread * 0.7, rng.uniform(0.1, 0.25) * size, "tower"))
+        if kind == "mill":
+            things.append((rng.uniform(-1, 1) * size, 0.0, "mill"))
+        for _ in range({"town": 9, "hamlet": 7}.get(kind, 6)):
+            things.append((rng.normal() * spread * 1.5, rng.uniform(0.0, 0.35) * size, "tree"))
+        for away, drop, what in sorted(things, key=lambda t: t[1]):
+            here = azimuth + away
+            foot = at(line, here) - drop
+            grown = size * rng.uniform(0.85, 1.15)
+            if what == "house":
+                house(panorama, here, foot, grown, (wall, roof, rim), rng, lit)
+            elif what == "tower":
+                tower(panorama, here, foot, grown, (wall, roof, rim), rng)
+            elif what == "mill":
+                windmill(panorama, here, foot, grown * 1.3, (wall, roof, rim), rng)
+            else:
+                tree(panorama, here, foot, grown * rng.uniform(0.6, 1.0), (leaf, leaf_rim), rng)
+        if kind == "burning":
+            flames(panorama, azimuth, at(line, azimuth) - 0.1 * size, size * 1.3, rng)
+
+
+def far_colours(side):
+    return (by_side(side, rgb("8a4a52"), rgb("5e4468"), rgb("34386a")),
+            by_side(side, rgb("4a2438"), rgb("33234a"), rgb("1a1d40")),
+            by_side(side, rgb("f0a060"), rgb("b07088"), rgb("6a70a4")),
+            by_side(side, rgb("4f2c3a"), rgb("352a44"), rgb("1b2140")),
+            by_side(side, rgb("c87848"), rgb("7c5468"), rgb("424a74")))
+
+
+def near_colours(side):
+    return (by_side(side, rgb("7a4a42"), rgb("544052"), rgb("353a58")),
+            by_side(side, rgb("3c2028"), rgb("2a1e34"), rgb("181b34")),
+            by_side(side, rgb("e8954c"), rgb("a06a70"), rgb("5f6a98")),
+            by_side(side, rgb("3a2a26"), rgb("2b2a32"), rgb("182232")),
+            by_side(side, rgb("b87a3c"), rgb("70604e"), rgb("3c5068")))
+
+
+# fmt: off
+FAR_PLACES = [
+    (20, "town"), (57, "hamlet"), (74, "burning"), (100, "hamlet"), (122, "town"), (158, "burning"), (172, "hamlet"),
+    (203, "burning"), (222, "town"), (251, "burning"), (268, "hamlet"), (290, "hamlet"), (318, "town"), (345, "hamlet"),
+]
+NEAR_PLACES = [
+    (8, "farm"), (22, "hamlet"), (38, "burning"), (63, "mill"), (88, "hamlet"), (112, "burning"), (140, "farm"),
+    (187, "mill"), (212, "farm"), (226, "farm"), (238, "hamlet"), (262, "farm"), (287, "burning"), (306, "mill"),
+    (317, "farm"), (330, "burning"), (352, "hamlet"),
+]
+# fmt: on
+
+
+def fields_beyond(side):
     """The land below the nearest woods; the ground's picture takes this tone at its edge."""
-    return by_side(view, rgb("5d4733"), rgb("45413a"), rgb("2d363d"))
+    return by_side(side, rgb("5d4733"), rgb("45413a"), rgb("2d363d"))
+
+
+def meadows(panorama):
+    """From the nearest ridge down to the ground's edge: fields, hedges and single trees."""
+    side = Bearing(AZIMUTH)
+    field = fields_beyond(side)
+    dark = by_side(side, rgb("4e2b3f"), rgb("342746"), rgb("171b38"))
+    straw = by_side(side, rgb("8a6238"), rgb("625242"), rgb("3d4650"))
+    green = by_side(side, rgb("56502c"), rgb("404a38"), rgb("28403f"))
+    grain, tufts = texture(1.3, 0.4, 3, 4), texture(0.30, 0.24, 2, 5)
+    line = near_ridge(AZIMUTH)
+    rng = np.random.default_rng(SEED * 1000 + 46)
+    gold = by_side(side, rgb("c8803e"), rgb("7c5c5c"), rgb("465070"))
+
+    def shade(rows, down):
+        tone, hedge, along = patchwork(down, 67, 0.35, 1.9, 7.0)
+        body = blend(green[None], straw[None], smoothstep(0.30, 0.75, tone))
+        body = blend(body, dark[None], 0.40 * smoothstep(0.30, 0.05, tone))
+        furrow = np.cos(along * 2 * np.pi / 0.6) * 0.10 * (tone > 0.6) * smoothstep(0.1, 0.3, hedge)
+        body = body * (1 + 0.16 * grain[rows] + furrow + 0.12 * tufts[rows])[..., None]
+        body = blend(body, gold[None], 0.5 * np.exp(-down / 0.09))
+        near = smoothstep(0.40, -0.95, HEIGHT[rows])[:, None] * np.ones_like(down)
+        return blend(body, field[None] * (1 + 0.16 * grain[rows] + 0.10 * tufts[rows])[..., None], 0.75 * near)
+
+    ridge(panorama, line, shade)
+    base, rim = near_colours(side)[3:]
+    for k, drop in enumerate((0.20, 0.55, 1.00)):  # hedges along the slope, broken by gates
+        foot = line - drop + 0.16 * skyline(AZIMUTH, 80 + k, 5, 24, 0.9)
+        heads = (0.07 + 0.10 * k) * 0.6 + treeline(AZIMUTH, 84 + 9 * k, 0.40 + 0.2 * k) * 0.34
+        growth = smoothstep(-0.15, 0.05, skyline(AZIMUTH, 88 + k, 7, 30, 0.6))
+        top = foot + heads * growth - 0.02
+        down = top[None, :] - HEIGHT[:, None]
+        mask = cut(-down) * cut(foot[None, :] - 0.05 - HEIGHT[:, None]) * growth[None, :]
+        light = np.exp(-down / 0.07) * 0.6
+        panorama.paint((slice(None), slice(None)), blend(base[None] * 0.9, rim[None], np.clip(light, 0, 1)), mask)
+    leaf = [near_colours(Bearing([a]))[3:] for a in range(360)]
+    things = []
+    for _ in range(52):  # clumps of trees on and below the ridge
+        azimuth, drop = rng.uniform(0, 360), rng.random() ** 2 * 0.55
+        for _ in range(rng.integers(2, 8)):
+            things.append((azimuth + rng.normal() * 1.6, drop + rng.uniform(0, 0.10)))
+    for azimuth, drop in sorted(things, key=lambda t: t[1]):
+        colours = tuple(c[0] for c in leaf[int(azimuth) % 360])
+        size = rng.uniform(0.55, 1.0) * (1 + 0.5 * drop)
+        tree(panorama, azimuth, at(near_ridge, azimuth) - drop, size, colours, rng)
+
+
+def country():
+    """Mountains, hills, the far town and the fields that run up to the ground's edge."""
+    panorama = Panorama()
+    mountains(panorama)
+    wooded_hills(panorama)
+    town_hills(panorama)
+    settlement(panorama, town_ridge, 11, FAR_PLACES, 0.62, far_colours, 0.5)
+    meadows(panorama)
+    settlement(panorama, near_ridge, 12, NEAR_PLACES, 0.95, near_colours, 0.8)
+    return panorama
+
+
+def lay_country(name, picture, panorama):
+    """Draws the country over a picture. Every texel takes the mean of what lies about it,
+    weighed by nearness: magnified, its edges then show no stairs."""
+    middle = View(face_points(name))
+    rows = np.where(((middle.height > FOOT) & (middle.height < HEAD)).any(axis=1))[0]
+    part = slice(rows[0], rows[-1] + 1)
+    colour, cover, total = 0.0, 0.0, 0.0
+    for i in (-0.48, -0.16, 0.16, 0.48):
+        for j in (-0.60, -0.36, -0.12, 0.12, 0.36, 0.60):
+            weight = (0.8 - abs(i)) * (0.8 - abs(j))
+            c, k = panorama.seen(View(face_points(name, 0.5 + i, 0.5 + j)[part]))
+            colour, cover, total = colour + c * weight, cover + k * weight, total + weight
+    picture[part] = picture[part] * (1 - cover / total)[..., None] + colour / total
 
 
 def stars(name, view):
     """Star light on one picture, before any cloud covers it."""
     rng = np.random.default_rng(SEED * 1000 + 77)
-    picture = np.zeros((SIZE, SIZE, 3))
+    picture = np.zeros(view.height.shape + (3,))
+    rows, columns = view.height.shape
     for _ in range(STARS):
         direction = direction_of(rng.uniform(0, 360), np.degrees(np.arcsin(rng.uniform(0.05, 1.0))))
         strength = rng.random() ** 3.0 * 0.85 + 0.12
@@ -397,37 +775,49 @@ def stars(name, view):
         if spot is None or strength < 0.03:
             continue
         c0, r0 = (int(round(v)) for v in spot)
-        if not (REACH <= c0 < SIZE - REACH and REACH <= r0 < SIZE - REACH):
+        if not (REACH <= c0 < columns - REACH and REACH <= r0 < rows - REACH):
             continue  # a star on an edge would be cut by it
         part = (slice(r0 - REACH, r0 + REACH + 1), slice(c0 - REACH, c0 + REACH + 1))
         away = np.degrees(np.arccos(np.clip(view.direction[part].astype(float) @ direction, -1, 1)))
-        size = (0.125 if name == "sky" else 0.075) + 0.03 * strength
+        size = (0.16 if name == "sky" else 0.06) + 0.03 * strength
         picture[part] += (np.exp(-0.5 * (away / size) ** 2) * strength)[..., None] * tint
     return picture
 
 
 # ---- putting it together -------------------------------------------------
 
-def paint(name):
+def dithered(picture):
+    """The picture with noise of up to one eight-bit step, little of it coarse: rounding
+    then leaves no visible steps in a gradient."""
+    rng = np.random.default_rng(SEED)
+    grain = rng.random(picture.shape) + rng.random(picture.shape) - 1.0
+    grain = grain - 0.5 * blur(grain, 1.2)
+    return picture + grain / 255.0
+
+
+def paint(name, panorama):
     view = View(face_points(name))
+    if name == "floor":
+        return fields_beyond(view)
     picture = open_sky(view) + stars(name, view)
     disc, face, halo = moon(view)
     picture = blend(picture + halo, face, disc)
-    above = view.height > -2.5  # nothing is drawn on what the ground hides
+    above = view.height > FOOT  # nothing is drawn on what the ground hides
     seen, colours = view.only(above), picture[above]
     colours = high_clouds(colours, seen, Noise3(1))
     colours = cloud_banks(colours, seen, Noise3(2), 9.0, 19.0, 3.2, 9.0, 0.05)
     colours = cloud_banks(colours, seen, Noise3(3), 3.5, 9.0, 5.0, 21.0, 0.12)
-    colours = smoke(colours, seen, Noise3(4))
-    picture[above] = country(colours, seen, Noise3(5))
+    picture[above] = smoke(colours, seen, Noise3(4))
     picture[~above] = fields_beyond(view.only(~above))
-    grain = np.random.default_rng(SEED).random(picture.shape) - 0.5
-    write_bmp(f"{name}.bmp", picture + grain / 255.0)  # hides the steps between 8-bit shades
+    if name != "sky":
+        lay_country(name, picture, panorama)
+    return picture
 
 
 def main():
+    panorama = country()
     for name in ("sky", "floor", "north", "south", "west", "east"):
-        paint(name)
+        write_bmp(f"{name}.bmp", dithered(paint(name, panorama)))
 
 
 if __name__ == "__main__":

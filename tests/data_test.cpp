@@ -119,10 +119,10 @@ TEST(Data, PicturesHaveTheirSizes) {
         int width, height;
     } pictures[] = {
         {"stone.bmp", 2048, 2048}, {"intro.bmp",  2048, 1024}, {"house.bmp",     1024, 1024},
-        {"sky.bmp",   1024, 1024}, {"floor.bmp",  1024, 1024}, {"north.bmp",     1024, 1024},
-        {"south.bmp", 1024, 1024}, {"west.bmp",   1024, 1024}, {"east.bmp",      1024, 1024},
+        {"sky.bmp",    512,  512}, {"floor.bmp",    16,   16}, {"north.bmp",     2048,  512},
+        {"south.bmp", 2048,  512}, {"west.bmp",   2048,  512}, {"east.bmp",      2048,  512},
         {"wood.bmp",   512,  512}, {"brick.bmp",  1024, 1024}, {"fire.bmp",       256,  256},
-        {"NPC.bmp",    512,  512}, {"forest.bmp", 1024, 1024}, {"fire_blue.bmp",  256,  256},
+        {"NPC.bmp",    512,  512}, {"forest.bmp", 1024, 1024}, {"fire_blue.bmp",   64,   64},
     };
     // clang-format on
     for (const auto &p : pictures) {

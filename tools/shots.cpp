@@ -2,8 +2,8 @@
 // look at when the art has changed. Runs in the data folder, on a display.
 //
 // Usage: shots PICTURE_FOLDER [NAME_PART]
-// With NAME_PART only the places whose names contain it; title, walk, talk and battle each
-// stand for all pictures of that kind.
+// With NAME_PART only the places whose names contain it; title, start, walk, talk and battle
+// each stand for all pictures of that kind.
 
 #include <GL/glut.h>
 
@@ -107,6 +107,26 @@ const Place PLACES[] = {
     {"ground-near",           40,     5,   90, 0.12F, 0, 10},
     {"ground-from-above",     40,     5,   90, 4.6F, 0, 40},
     {"roofs-from-above",       4,     5,    0, 4.6F, 0, 25},
+    {"edge-north",            30,    80,  180},
+    {"edge-north-corner",    -75,    80,  150},
+    {"edge-south",            30,   -80,    0},
+    {"edge-east",            -80,    70,   90},
+    {"edge-west",             80,     5,  270},
+    {"edge-west-road",        92,    30,  250},
+    {"street-person-1",        6.5F,  6,    0},
+    {"street-person-2",      -19,     5,   45},
+    {"street-person-3",      -38.5F,  6,  180},
+    {"street-person-4",       21.5F,  6,  180},
+    {"street-person-4-side",  15,     6,  225},
+    {"street-person-5",       43,     6.5F, 270},
+    {"ground-square",          1,     7,  120, 0.6F, 0, 22},
+    {"ground-square-star",     0,     5,    0, 1.5F, 30, 30},
+    {"ground-street",         30,     5,   90, 0.6F, 30, 15},
+    {"ground-street-low",     55,     4,   70, 0.6F},
+    {"ground-gate",          -56,     0,   90, 0.6F, 30, 15},
+    {"ground-court",         -60,     5,  120, 1, 0, 20},
+    {"ground-yard",            9.5F, 10,  300, 0.6F, 0, 20},
+    {"ground-meadow",         94,    40,  300, 0.6F, 0, 20},
 };
 // clang-format on
 
@@ -160,6 +180,20 @@ void shootTitle() {
         runFrames(60);
         save(std::string(face) + "-turning");
         runFrames(121);
+    }
+}
+
+// The view that every player sees first, then at the ends of the zoom.
+void shootStart() {
+    save("start-default");
+    const struct {
+        unsigned char key;
+        const char *name;
+    } presets[] = {{'1', "start-near"}, {'3', "start-far"}, {'2', "start-middle"}};
+    for (const auto &preset : presets) {
+        press(preset.key);
+        runFrames(SETTLING_FRAMES);
+        save(preset.name);
     }
 }
 
@@ -223,6 +257,9 @@ void shootAll() {
     }
     press('p');
     runFrames(60);
+    if (isWanted("start")) {
+        shootStart();
+    }
     for (const Place &place : PLACES) {
         if (isWanted(place.name)) {
             stand(place);
