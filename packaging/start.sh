@@ -1,4 +1,5 @@
-# How the game is started beside its own code: POSIX sh, sourced by ./play and part of the launcher.
+# shellcheck shell=sh
+# How the game is started: sourced by ./play, and part of the launcher.
 
 complain() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
