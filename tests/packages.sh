@@ -4,6 +4,7 @@
 #
 # Usage: packages.sh SOURCE_FOLDER WORK_FOLDER
 set -euo pipefail
+export LC_ALL=C
 source=$1 work=$2
 if [ -z "${PACKAGES_DISPLAY:-}" ]; then
     export PACKAGES_DISPLAY=yes LIBGL_ALWAYS_SOFTWARE=1
@@ -20,9 +21,9 @@ cmake --preset package -S "$source" -B "$work" -DTALVERY_URL=https://talvery.inv
 cmake --build "$work" --parallel "$(nproc)" --target package
 game=$(echo "$work"/talvery_*.deb) data=$(echo "$work"/talvery-data_*_all.deb)
 
-# The files, without the folders: access rights, owner and path.
-contents() {
-    dpkg-deb -c "$1" | awk '!/^d/ {print $1, $2, $6}' | LC_ALL=C sort -k 3
+# files PACKAGE: access rights, owner and path of each.
+files() {
+    dpkg-deb -c "$1" | awk '!/^d/ {print $1, $2, $6}' | sort -k 3
 }
 at="-rw-r--r-- root/root ./usr"
 diff <({
@@ -33,12 +34,12 @@ diff <({
         lintian/overrides/talvery man/man6/talvery.6.gz \
         icons/hicolor/{16x16,24x24,32x32,48x48,64x64,128x128,256x256,512x512}/apps/talvery.png
     echo "$at/libexec/talvery/data.list"
-} | LC_ALL=C sort -k 3) <(contents "$game") || fail "the program's package has other files"
+} | sort -k 3) <(files "$game") || fail "the program's package has other files"
 diff <({
     printf -- "$at/share/%s\n" doc/talvery-data/{changelog,changelog.Debian}.gz \
         doc/talvery-data/copyright lintian/overrides/talvery-data
     sed "s|.* |$at/share/games/talvery/|" "$work/data.list"
-} | LC_ALL=C sort -k 3) <(contents "$data") || fail "the data's package has other files"
+} | sort -k 3) <(files "$data") || fail "the data's package has other files"
 
 lintian --allow-root --fail-on error,warning "$game" "$data"
 mkdir "$work/moved there"
