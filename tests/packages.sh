@@ -38,7 +38,7 @@ diff <({
 diff <({
     printf -- "$at/share/%s\n" doc/talvery-data/{changelog,changelog.Debian}.gz \
         doc/talvery-data/copyright lintian/overrides/talvery-data
-    sed "s|.* |$at/share/games/talvery/|" "$work/data.list"
+    cd "$source/data" && printf -- "$at/share/games/talvery/%s\n" *.bmp *.obj *.txt
 } | sort -k 3) <(files "$data") || fail "the data's package has other files"
 
 lintian --allow-root --fail-on error,warning "$game" "$data"
@@ -108,7 +108,7 @@ wait "$game" || status=$?
 [ "$status" -eq 143 ] || fail "the signal did not reach the game: status $status"
 
 rm "$data"/*
-missing=$(sed "s|.* \(.*\)|talvery: \1 is missing in $data|" "$work/data.list")
+missing=$(sed "s|.* \(.*\)|talvery: \1 is missing in $data|" "$tree/libexec/talvery/data.list")
 refused "$missing
 talvery: nothing to play with is left in $data" "$launcher"
 rmdir "$data"
