@@ -19,7 +19,8 @@ enum Sky_Slot { SKY, FLOOR, NORTH, SOUTH, WEST, EAST, SKY_SLOTS };
 extern unsigned skybox[SKY_SLOTS];
 
 // Display lists of the models. Calling one binds the model's texture and draws the
-// model, centred on the origin; nothing else is changed.
+// model, centred on the origin; its last normal and texture coordinate stay current,
+// nothing else is changed.
 extern unsigned house1;
 extern unsigned house2;
 extern unsigned house3;

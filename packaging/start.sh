@@ -1,0 +1,44 @@
+# shellcheck shell=sh
+# How the game is started: sourced by ./play, and part of the launcher.
+
+complain() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+}
+
+# check_data LIST FOLDER: enters the folder and names every file of the list that is not there as
+# it should be. LIST holds lines of a size in bytes and a name. False if nothing usable is there.
+check_data() {
+    if ! cd -- "$2" 2>/dev/null; then
+        complain "the data folder $2 is missing or cannot be entered"
+        return 1
+    fi
+    usable=0
+    while read -r size name; do
+        trouble=
+        if [ ! -e "$name" ]; then
+            trouble="is missing"
+        elif [ ! -f "$name" ]; then
+            trouble="is not a file"
+        elif [ ! -r "$name" ]; then
+            trouble="cannot be read"
+        elif [ ! -s "$name" ]; then
+            trouble="is empty"
+        else
+            usable=$((usable + 1))
+            found=$(($(wc -c <"$name")))
+            [ "$found" -eq "$size" ] || trouble="has $found bytes instead of $size"
+        fi
+        [ -z "$trouble" ] || complain "$name $trouble in $2"
+    done <"$1"
+    [ "$usable" -gt 0 ] || complain "nothing to play with is left in $2"
+    [ "$usable" -gt 0 ]
+}
+
+# start_game PROGRAM [WORD...]: becomes the program. Its few lines come out one by one, also into
+# a file or a pipe.
+start_game() {
+    if command -v stdbuf >/dev/null; then
+        exec stdbuf -oL "$@"
+    fi
+    exec "$@"
+}

@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# Makes the Debian packages and checks what a player gets: the files, the tools' verdicts on them,
+# and that the unpacked tree starts wherever it lies and says what is wrong where it cannot.
+#
+# Usage: packages.sh SOURCE_FOLDER WORK_FOLDER
+set -euo pipefail
+export LC_ALL=C
+source=$1 work=$2
+if [ -z "${PACKAGES_DISPLAY:-}" ]; then
+    export PACKAGES_DISPLAY=yes LIBGL_ALWAYS_SOFTWARE=1
+    exec xvfb-run --auto-servernum --server-args="-screen 0 1280x1024x24 -nolisten tcp" "$0" "$@"
+fi
+
+fail() {
+    printf 'look at %s: %s\n' "$work" "$*" >&2
+    exit 1
+}
+
+rm -rf "$work"/*.deb "$work/moved there"
+cmake --preset package -S "$source" -B "$work" -DTALVERY_URL=https://talvery.invalid/docs
+cmake --build "$work" --parallel "$(nproc)" --target package
+game=$(echo "$work"/talvery_*.deb) data=$(echo "$work"/talvery-data_*_all.deb)
+
+# files PACKAGE: access rights, owner and path of each.
+files() {
+    dpkg-deb -c "$1" | awk '!/^d/ {print $1, $2, $6}' | sort -k 3
+}
+at="-rw-r--r-- root/root ./usr"
+diff <({
+    echo "-rwxr-xr-x root/root ./usr/games/talvery"
+    echo "-rwxr-xr-x root/root ./usr/libexec/talvery/talvery"
+    printf -- "$at/share/%s\n" applications/talvery.desktop metainfo/talvery.metainfo.xml \
+        doc/talvery/{changelog,changelog.Debian}.gz doc/talvery/copyright \
+        lintian/overrides/talvery man/man6/talvery.6.gz \
+        icons/hicolor/{16x16,24x24,32x32,48x48,64x64,128x128,256x256,512x512}/apps/talvery.png
+    echo "$at/libexec/talvery/data.list"
+} | sort -k 3) <(files "$game") || fail "the program's package has other files"
+diff <({
+    printf -- "$at/share/%s\n" doc/talvery-data/{changelog,changelog.Debian}.gz \
+        doc/talvery-data/copyright lintian/overrides/talvery-data
+    cd "$source/data" && printf -- "$at/share/games/talvery/%s\n" *.bmp *.obj *.txt
+} | sort -k 3) <(files "$data") || fail "the data's package has other files"
+
+lintian --allow-root --fail-on error,warning "$game" "$data"
+mkdir "$work/moved there"
+dpkg-deb -x "$game" "$work/moved there"
+dpkg-deb -x "$data" "$work/moved there"
+cd "$work/moved there/usr"
+tree=$PWD data=$PWD/share/games/talvery
+desktop-file-validate share/applications/*
+# No domain belongs to the game yet that its identifier could start with. Without a folder for
+# the screenshots on the network there are none: checked as well.
+for metainfo in "$tree"/share/metainfo/* "$work/../packaging/talvery.metainfo.xml"; do
+    appstreamcli validate --no-net --pedantic \
+        --override=cid-desktopapp-is-not-rdns=info "$metainfo"
+done
+zcat share/man/man6/talvery.6.gz | mandoc -T lint -W all
+
+# refused LINE COMMAND...: the command says this alone, on standard error, and returns 1.
+refused() {
+    local line=$1 said status=0
+    shift
+    said=$("$@" 2>&1) || status=$?
+    [ "$status $said" = "1 $line" ] || fail "instead of '$line': status $status, '$said'"
+}
+
+title_shown() {
+    [ "$(import -silent -window root -resize '1x1!' -format '%[fx:mean>0.02]' info:)" = 1 ]
+}
+
+# started COMMAND...: runs it until it shows the title; $game is its process.
+started() {
+    "$@" >"$work/output" 2>"$work/errors" &
+    game=$!
+    local deadline=$((SECONDS + 60))
+    until title_shown; do
+        kill -0 "$game" || fail "the game ended before its title was shown"
+        [ "$SECONDS" -lt "$deadline" ] || fail "no title came up"
+    done
+}
+
+cd /
+launcher=$tree/games/talvery
+refused "talvery: no display to play on: DISPLAY is not set, and no -display is given" \
+    env -u DISPLAY "$launcher"
+started env -i DISPLAY="$DISPLAY" XAUTHORITY="$XAUTHORITY" LIBGL_ALWAYS_SOFTWARE=1 "$launcher"
+xdotool key Escape
+wait "$game" || fail "Escape ended the game with status $?"
+[ ! -s "$work/errors" ] || fail "the game said: $(cat "$work/errors")"
+
+# Broken data is told, and does not keep the game from starting. Its own lines are out at once.
+ln -s "$launcher" "$work/moved there/a link"
+rm "$data/NPC.obj"
+: >"$data/brick.bmp"
+truncate -s 100 "$data/Tree.obj"
+mv "$data/walk.txt" "$data/walk.away"
+started env -u DISPLAY "$work/moved there/a link" -display "$DISPLAY"
+diff - "$work/errors" <<END || fail "broken data is told otherwise"
+a link: NPC.obj is missing in $data
+a link: Tree.obj has 100 bytes instead of $(stat -c %s "$source/data/Tree.obj") in $data
+a link: brick.bmp is empty in $data
+a link: walk.txt is missing in $data
+END
+grep -qx "Error Opening File" "$work/output" || fail "the game's line did not come out"
+kill "$game"
+status=0
+wait "$game" || status=$?
+[ "$status" -eq 143 ] || fail "the signal did not reach the game: status $status"
+
+rm "$data"/*
+missing=$(sed "s|.* \(.*\)|talvery: \1 is missing in $data|" "$tree/libexec/talvery/data.list")
+refused "$missing
+talvery: nothing to play with is left in $data" "$launcher"
+rmdir "$data"
+refused "talvery: the data folder $data is missing or cannot be entered" "$launcher"
