@@ -31,7 +31,7 @@ extern unsigned forest;
 extern unsigned NPC;
 
 // What loadModel loads: OBJ_MODEL, or for any other value the texture alone.
-enum Model_Type { OBJ_MODEL = 0, TEXTURE_ONLY = 1 };
+enum Model_Type : int { OBJ_MODEL = 0, TEXTURE_ONLY = 1 };
 
 // Loads the picture into the next free texture slot (none if the table is full) and,
 // for an OBJ model, compiles the model with that texture into a new display list.

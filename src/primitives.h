@@ -5,7 +5,7 @@
 // scaled shapes need GL_NORMALIZE. Lengths are in units of that frame.
 
 // Facing of a disc; any value other than UP draws as DOWN.
-enum NORMAL { UP = 0, DOWN = 1 };
+enum NORMAL : int { UP = 0, DOWN = 1 };
 
 // A solid ellipsoid with the given semi-axes; `slices` is also its number of
 // stacks, which run along z.
