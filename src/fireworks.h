@@ -31,12 +31,12 @@ public:
     void draw_no_update();  // draws them as they are
     void step();            // moves them on as `draw` does, drawing nothing
 
+    std::unique_ptr<Particle[]> particles;  // 256 records, whatever the count
+    int count;                              // in use: the first ones
+    int colorScheme;
+
 private:
     void birth(Particle &particle) const;
     void rebirth();
     void move();
-
-    std::unique_ptr<Particle[]> particles;  // 256 records, whatever the count
-    int count;
-    int colorScheme;
 };
