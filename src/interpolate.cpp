@@ -1,12 +1,16 @@
 #include "interpolate.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
 // Keeps the divisor of the blend above 0 where two keys share a frame.
 constexpr float SPAN_GUARD = 0.0001F;
+
+using Values = std::array<float, POSE_VALUES>;
 
 float signedFrame(const KeyFrame &key) {
     return static_cast<float>(static_cast<int>(key.frame));
@@ -41,12 +45,14 @@ bool Interpolate::keysLeft() const {
 }
 
 void Interpolate::readKey(KeyFrame &key) {
-    for (float &value : key.pose) {
-        if (fscanf(file.get(), "%f", &value) != 1) {
-            return;
-        }
+    auto values = std::bit_cast<Values>(key.pose);
+    const bool all = std::all_of(values.begin(), values.end(), [this](float &value) {
+        return fscanf(file.get(), "%f", &value) == 1;
+    });
+    key.pose = std::bit_cast<Params>(values);
+    if (all) {
+        (void)fscanf(file.get(), "%u\n", &key.frame);
     }
-    (void)fscanf(file.get(), "%u\n", &key.frame);
 }
 
 bool Interpolate::read(KeyFrame &key) {
@@ -72,11 +78,12 @@ bool Interpolate::step(Params &out) {
     const float b = signedFrame(next);
     const float t = (f - a) / ((b - a) + SPAN_GUARD);
     if (b > a + (b - a) * t) {
-        float pose[POSE_VALUES];
-        for (int i = 0; i < POSE_VALUES; ++i) {
-            pose[i] = current.pose[i] + (next.pose[i] - current.pose[i]) * t;
+        auto pose = std::bit_cast<Values>(current.pose);
+        const auto goal = std::bit_cast<Values>(next.pose);
+        for (std::size_t i = 0; i < pose.size(); ++i) {
+            pose[i] = pose[i] + (goal[i] - pose[i]) * t;
         }
-        memcpy(&out, pose, sizeof out);
+        out = std::bit_cast<Params>(pose);
         ++frame;
         return false;
     }

@@ -41,7 +41,7 @@ static_assert(sizeof(Params) == POSE_VALUES * sizeof(float), "a pose is 27 float
 
 // One line of a keyframe file: a pose and the frame at which it is reached.
 struct KeyFrame {
-    float pose[POSE_VALUES];  // in the order of Params
+    Params pose;
     unsigned frame;
 };
 
@@ -76,12 +76,6 @@ public:
     // used up (then false).
     bool read(KeyFrame &key);
 
-private:
-    void open();
-    void readKey(KeyFrame &key);
-    void changeKey();
-    bool keysLeft() const;
-
     bool loop;
     unsigned frame = 0;      // poses produced since the file was opened
     int total_keys = 0;      // as the header counts them; compared as unsigned
@@ -90,4 +84,10 @@ private:
     File file;
     KeyFrame current = {};  // the key that the pose comes from
     KeyFrame next = {};     // the key that the pose goes to
+
+private:
+    void open();
+    void readKey(KeyFrame &key);
+    void changeKey();
+    bool keysLeft() const;
 };

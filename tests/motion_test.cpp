@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <fstream>
 #include <string>
@@ -25,6 +26,8 @@ constexpr std::size_t PAWS = 4;
 // The paws' first toes among the ellipsoids of a drawing: hind left and right, front
 // left and right.
 constexpr std::array<std::size_t, PAWS> FIRST_TOES = {5, 10, 16, 20};
+
+using Values = std::array<float, POSE_VALUES>;
 
 struct Motion {
     const char *name;
@@ -54,11 +57,12 @@ std::vector<KeyFrame> keys(const std::string &name) {
     std::size_t count = 0;
     file >> word >> word >> count;
     std::vector<KeyFrame> all;
-    KeyFrame key;
-    while (std::all_of(std::begin(key.pose), std::end(key.pose),
+    Values values;
+    unsigned frame = 0;
+    while (std::all_of(values.begin(), values.end(),
                        [&](float &value) { return static_cast<bool>(file >> value); }) &&
-           file >> key.frame) {
-        all.push_back(key);
+           file >> frame) {
+        all.push_back({std::bit_cast<Params>(values), frame});
     }
     EXPECT_TRUE(file.eof()) << "what follows key " << all.size() << " is no number";
     EXPECT_EQ(all.size(), count) << "the header counts other keys than there are";
@@ -103,9 +107,11 @@ std::array<double, PAWS> pawHeights(const Params &pose) {
 
 // The most that a joint differs; a full turn ends where it began.
 float apart(const KeyFrame &a, const KeyFrame &b) {
+    const auto x = std::bit_cast<Values>(a.pose);
+    const auto y = std::bit_cast<Values>(b.pose);
     float most = 0;
-    for (int i = 0; i < POSE_VALUES; ++i) {
-        most = std::max(most, std::abs(std::remainder(a.pose[i] - b.pose[i], 360.0F)));
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        most = std::max(most, std::abs(std::remainder(x[i] - y[i], 360.0F)));
     }
     return most;
 }
