@@ -58,6 +58,7 @@ const std::map<std::string, std::function<void()>> SCENES = {
     {"box",            [] { drawBox(2, 4, 6); }},
     {"disc-up",        [] { drawCircle(2, 3, UP); }},
     {"disc-down",      [] { drawCircle(0.5F, 16, DOWN); }},
+    {"disc-odd",       [] { drawCircle(1, 3, static_cast<NORMAL>(7)); }},
     {"no-disc",        [] { drawCircle(1, 0, UP); }},
     {"cylinder",       [] { drawCylinder(1, 1, 3, 12); }},
     {"cone",           [] { drawCylinder(2, 0.5F, 3, 5); }},
