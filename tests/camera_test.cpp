@@ -6,6 +6,8 @@
 #include <limits>
 #include <tuple>
 
+#include "recording_gl.h"
+
 namespace {
 
 using testing::FloatNear;
@@ -44,6 +46,17 @@ TEST(Camera, ZoomStepsByItsTwoFactorsWithinTheBounds) {
                 << x << " by " << factor;
         }
     }
+}
+
+TEST(Camera, SeesFromATenthOfAUnitToSixHundred) {
+    const Camera c = looking(0, 0, 0, 1);
+    recording::reset();
+    c.setup();
+    const auto depthAt = [](float x) {
+        return recording::transform(recording::state().projection, {x, 0, 0}).z;
+    };
+    EXPECT_NEAR(depthAt(0.1F), -1, 1e-5);
+    EXPECT_NEAR(depthAt(600), 1, 1e-7);
 }
 
 TEST(Camera, PitchThatIsNoNumberStaysAboveTheGround) {

@@ -22,6 +22,7 @@ TEST(Collision, AnswersTheSecondFootprintsCodeWhereTheyMeet) {
         {circle(0, 0, 1), circle(2, 0, 1, ENEMY), 0},  // circles must overlap
         {circle(0, 0, 1), circle(1.999F, 0, 1, ENEMY), 2},
         {circle(3, 4, 4.5F), circle(0, 0, 0.6F, TOWNSPERSON), 3},
+        {circle(5, -7, 1), circle(6, -8, 1, ENEMY), 2},
         {circle(0, 0, 1), box(1, 3, -1, 1, TOWNSPERSON), 3},  // rectangles may only touch
         {circle(0, 0, 1), box(1.001F, 3, -1, 1), 0},
         {circle(0, 0, 1), box(-3, 3, -3, -1.001F), 0},

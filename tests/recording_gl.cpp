@@ -149,6 +149,11 @@ void upload(Texture &t, int components, int width, int height, GLenum format, GL
     }
 }
 
+Window &opened() {
+    check(!context.window.title.empty(), "GLUT", "no window yet");
+    return context.window;
+}
+
 }  // namespace
 
 void reset() {
@@ -442,14 +447,14 @@ void glutInit(int * /*count*/, char ** /*arguments*/) {}
 void glutInitDisplayMode(unsigned mode) { context.window.displayMode = mode; }
 void glutInitWindowSize(int width, int height) { context.window.size = {width, height}; }
 int glutCreateWindow(const char *title) { context.window.title = title; return 1; }
-void glutFullScreen() { context.window.fullScreen = true; }
-void glutDisplayFunc(void (*call)()) { context.window.display = call; }
-void glutReshapeFunc(void (*call)(int, int)) { context.window.reshape = call; }
-void glutKeyboardFunc(void (*call)(unsigned char, int, int)) { context.window.keyboard = call; }
-void glutKeyboardUpFunc(void (*call)(unsigned char, int, int)) { context.window.keyboardUp = call; }
-void glutMouseFunc(void (*call)(int, int, int, int)) { context.window.mouse = call; }
-void glutPassiveMotionFunc(void (*call)(int, int)) { context.window.passiveMotion = call; }
-void glutIdleFunc(void (*call)()) { context.window.idle = call; }
+void glutFullScreen() { opened().fullScreen = true; }
+void glutDisplayFunc(void (*call)()) { opened().display = call; }
+void glutReshapeFunc(void (*call)(int, int)) { opened().reshape = call; }
+void glutKeyboardFunc(void (*call)(unsigned char, int, int)) { opened().keyboard = call; }
+void glutKeyboardUpFunc(void (*call)(unsigned char, int, int)) { opened().keyboardUp = call; }
+void glutMouseFunc(void (*call)(int, int, int, int)) { opened().mouse = call; }
+void glutPassiveMotionFunc(void (*call)(int, int)) { opened().passiveMotion = call; }
+void glutIdleFunc(void (*call)()) { opened().idle = call; }
 void glutPostRedisplay() { ++context.redisplays; }
 void glutSwapBuffers() { draw(SWAP, "swap"); }
 void glutMainLoop() { context.script(); }
