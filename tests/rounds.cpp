@@ -325,13 +325,23 @@ bool runRound(const std::string &script, bool write) {
         << (WIFEXITED(result) ? "ended with status " + std::to_string(WEXITSTATUS(result))
                               : "ended by signal " + std::to_string(WTERMSIG(result)))
         << '\n';
-    const bool same = compare(expected.stem(), readLines(expected), readLines(record));
+    const Lines actual = readLines(record);
+    const bool same = compare(expected.stem(), readLines(expected), actual);
+    auto unplayed = -std::count_if(actual.begin(), actual.end(),
+                                   [](const std::string &line) { return line[0] == '>'; });
+    std::ifstream whole(script);
+    for (std::string line; next(whole, line);) {
+        ++unplayed;
+    }
+    if (unplayed != 0) {
+        std::cout << expected.stem() << ": " << unplayed << " commands were not reached\n";
+    }
     if (write && !same) {
         std::filesystem::copy_file(record, expected,
                                    std::filesystem::copy_options::overwrite_existing);
     }
     std::filesystem::remove_all(folder);
-    return same;
+    return same && unplayed == 0;
 }
 
 }  // namespace
