@@ -37,7 +37,7 @@ void assign(const Place &place, double value) {
 std::vector<Global> listAll() {
     std::vector<Global> all;
     const auto add = [&all](const std::string &name, const Place &place) {
-        all.push_back({name, place, value(place), value(place)});
+        all.push_back({name, place, value(place), 0});
     };
 #define NAMED(global) {#global, &(global)}
     const std::pair<const char *, Place> singles[] = {

@@ -5,8 +5,8 @@
 // The game's plain state by name, for tests that say what a step changes.
 namespace globals {
 
-// Every global that differs from the last call, or from the reset, in the order of their
-// table: "status 1  eye.z 4.8". Fractions have up to four decimals.
+// Every global that differs from the last call, from the reset, or at first from 0, in the order
+// of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
 std::string changes();
 
 // The start values of the game's state and an empty scene.

@@ -152,6 +152,7 @@ TEST(ObjReader, LastLineWithoutItsEndMakesTheCountsDiffer) {
         EXPECT_EQ(r.triangles(), "000/000/000") << end;
     }
     EXPECT_EQ(Reader("v 1 2 3\nv 4 5 6").error, OBJ_OK) << "long enough without its end";
+    EXPECT_EQ(Reader("v \nvn\nvt\n").error, OBJ_OK) << "long enough with it";
     for (const std::string &end : {std::string("f"), std::string("f "), std::string("f\0\n", 3)}) {
         EXPECT_EQ(Reader("v 1 2 3\n" + end).triangles(), "000/000/000") << "a face without corners";
     }
