@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <filesystem>
-#include <map>
 #include <numeric>
 #include <set>
 #include <string>
@@ -17,8 +15,6 @@
 namespace {
 
 constexpr float SMALLEST_AREA = 5e-7F;  // twice a triangle's, square model units: the anchors'
-constexpr float MOST_TURNED = -1.5F;    // sum of three cosines: smooth shading turns some away
-constexpr int MOST_DOUBLED = 8;         // where more than two faces meet
 constexpr double DARKEST = 8;           // mean of a picture's bytes, 0 to 255
 constexpr float SLACK = 0.05F;          // model units that no eye and no step notices
 
@@ -26,37 +22,27 @@ std::string path(const std::string &name) {
     return DATA_FOLDER "/" + name;
 }
 
-// No triangle of the model that was read last is turned, doubled or without an area, and none
-// leaves out what was drawn for it: an index that is off shows by one of these.
+// No triangle of the model that was read last is turned away from its normals or without an
+// area, and all that was drawn is used: an index that is off mostly shows by one of these.
 void expectSoundFaces() {
-    std::map<std::array<long, 6>, int> edges;  // directed, by places
     std::set<int> vertices;
     std::set<int> texCoords;
-    int doubled = 0;
     for (int i = 0; i < o.triangleCount; ++i) {
         const objFace &f = o.faces[i];
-        std::array<Vector3f, 3> p;
-        std::array<Vector3f, 3> n;
-        for (std::size_t corner = 0; corner < 3; ++corner) {
+        Vector3f places[3];
+        Vector3f normal;
+        for (int corner = 0; corner < 3; ++corner) {
             const float *v = o.vertices + std::ptrdiff_t{3} * f.vertex[corner];
-            const float *w = o.normals + std::ptrdiff_t{3} * f.normal[corner];
-            p[corner] = {v[0], v[1], v[2]};
-            n[corner] = {w[0], w[1], w[2]};
+            const float *n = o.normals + std::ptrdiff_t{3} * f.normal[corner];
+            places[corner] = {v[0], v[1], v[2]};
+            normal = normal + Vector3f(n[0], n[1], n[2]);
             vertices.insert(f.vertex[corner]);
             texCoords.insert(f.texCoord[corner]);
         }
-        const Vector3f area = (p[1] - p[0]) * (p[2] - p[0]);
+        const Vector3f area = (places[1] - places[0]) * (places[2] - places[0]);
         EXPECT_GT(area.norm(area), SMALLEST_AREA) << "triangle " << i;
-        EXPECT_GT((n[0] + n[1] + n[2]) % (area / area.norm(area)), MOST_TURNED)
-            << "triangle " << i << " is turned away from its normals";
-        for (std::size_t corner = 0; corner < 3; ++corner) {
-            const auto at = [](float place) { return std::lround(place * 10000); };
-            const Vector3f &a = p[corner];
-            const Vector3f &b = p[(corner + 1) % 3];
-            doubled += edges[{at(a.x), at(a.y), at(a.z), at(b.x), at(b.y), at(b.z)}]++ > 0 ? 1 : 0;
-        }
+        EXPECT_GT(normal % area, 0) << "triangle " << i << " is turned away from its normals";
     }
-    EXPECT_LE(doubled, MOST_DOUBLED) << "edges run twice in one direction";
     EXPECT_EQ(vertices.size(), static_cast<std::size_t>(o.vertexCount)) << "a place is left out";
     EXPECT_EQ(texCoords.size(), static_cast<std::size_t>(o.texCoordCount));
 }

@@ -70,21 +70,6 @@ TEST(Interpolate, PlaysAFileStepByStep) {
     }
 }
 
-TEST(Interpolate, BlendsEveryValueInOrder) {
-    std::string text = keyFile(2, {{0, 0}});
-    for (int i = 0; i < POSE_VALUES; ++i) {
-        text += std::to_string(i * 11) + " ";
-    }
-    const Temp_File file(text + "10");
-    Interpolate player(file.name(), false);
-    play(player, 5);
-    Params pose;
-    player.step(pose);
-    for (int i = 0; i < POSE_VALUES; ++i) {
-        EXPECT_NEAR(reinterpret_cast<const float *>(&pose)[i], i * 6, 0.002) << "value " << i;
-    }
-}
-
 TEST(Interpolate, LongSpansChangeKeyAtTheLaterKeysOwnFrame) {
     for (int span : {2047, 2048, 5000}) {
         const Temp_File file(keyFile(2, {{0, 0}, {10, span}}));

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <map>
 #include <numbers>
+#include <numeric>
 #include <random>
 #include <string>
 
@@ -54,10 +55,6 @@ bool within(int value, int least, int most) {
     return value >= least && value <= most;
 }
 
-bool finite(const float *values, int count) {
-    return std::all_of(values, values + count, [](float value) { return std::isfinite(value); });
-}
-
 void checkDrawing() {
     for (const std::string &fault : recording::faults()) {
         require(false, fault.c_str());
@@ -74,16 +71,18 @@ void checkState() {
     require(within(BATTLE_MESSAGE, NO_MESSAGE, PLAYER_DEFENDED), "a message");
     require(within(BattleMessageTimer, 0, MESSAGES_LAST) && within(PlayerTimer, 0, MESSAGES_LAST),
             "a message's timer");
-    require(within(ENTERPRESS, ATTACK, NO_MOVE) && within(ENTERPRESS_ENEMY, ATTACK, NO_MOVE),
-            "a move");
+    require(within(ENTERPRESS, ATTACK, NO_MOVE), "a move");
+    require(ENTERPRESS_ENEMY == ATTACK || ENTERPRESS_ENEMY == NO_MOVE, "the enemy's move");
     require(within(ENEMY_Health, 1, START_HEALTH) && (special == 0 || special == 100), "health");
     require(std::all_of(HEALTH, HEALTH + 3, isdigit), "the health's digits");
     require(HIT[0] == '\0' || std::all_of(HIT, HIT + 2, isdigit), "the hit's digits");
     require(within(zoom, ZOOMING_OUT, ZOOMING_IN) && within(action, STANDING, HELD_STILL),
             "an action");
     require(collision_back == (INITCOLLBOXES ? FOOTPRINTS : FOOTPRINTS_WITH_PEOPLE), "footprints");
-    require(finite(position, 3) && std::isfinite(objrot), "the player's place");
-    require(finite(camera.eye, 3) && finite(camera.center, 3), "the camera's place");
+    const float places = std::accumulate(position, position + 3, objrot) +
+                         std::accumulate(camera.eye, camera.eye + 3, 0.0F) +
+                         std::accumulate(camera.center, camera.center + 3, 0.0F);
+    require(std::isfinite(places), "the player's or the camera's place");
     ++reached["mode " + std::to_string(status)];
     ++reached["overlay " + std::to_string(Menu)];
     ++reached["message " + std::to_string(BATTLE_MESSAGE)];

@@ -147,6 +147,11 @@ void show(const std::string &what) {
 
 using Words = std::vector<std::string>;
 
+Words wordsOf(const std::string &line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 // The i-th word as a number, 1 where there is none.
 int number(const Words &words, std::size_t i) {
     return i < words.size() ? std::stoi(words[i]) : 1;
@@ -211,8 +216,7 @@ bool next(std::istream &script, std::string &line) {
 }
 
 void play(const std::string &line) {
-    std::istringstream stream(line);
-    const Words words{std::istream_iterator<std::string>(stream), {}};
+    const Words words = wordsOf(line);
     const auto &[action, times] = COMMANDS.at(words.at(0));
     for (int i = 0; i < number(words, times); ++i) {
         action(words);
@@ -260,16 +264,9 @@ bool sameWord(const std::string &a, const std::string &b) {
 }
 
 bool sameLine(const std::string &a, const std::string &b) {
-    std::istringstream wordsA(a);
-    std::istringstream wordsB(b);
-    std::string wordA;
-    std::string wordB;
-    while (wordsA >> wordA) {
-        if (!(wordsB >> wordB) || !sameWord(wordA, wordB)) {
-            return false;
-        }
-    }
-    return !(wordsB >> wordB);
+    const Words wordsA = wordsOf(a);
+    const Words wordsB = wordsOf(b);
+    return std::equal(wordsA.begin(), wordsA.end(), wordsB.begin(), wordsB.end(), sameWord);
 }
 
 Lines readLines(const std::string &path) {
