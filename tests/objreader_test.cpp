@@ -20,12 +20,12 @@ std::string growing;
 }  // namespace
 
 // Stands in for the C library's, which the reader calls between its passes.
-void rewind(FILE *file) {
+void rewind(FILE *stream) {
     if (!growth.empty()) {
         std::ofstream(growing, std::ios::app) << growth;
     }
-    fseek(file, 0, SEEK_SET);
-    clearerr(file);
+    fseek(stream, 0, SEEK_SET);
+    clearerr(stream);
 }
 
 namespace {
