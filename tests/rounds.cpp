@@ -179,6 +179,8 @@ void drawScene(const Words &words) {
     out << record::leftBehind() << '\n';
 }
 
+constexpr std::size_t ONCE = 9;  // no command has so many words
+
 // What a command does, and which of its words says how often.
 // clang-format off
 const std::map<std::string, std::pair<std::function<void(const Words &)>, std::size_t>> COMMANDS = {
@@ -189,16 +191,16 @@ const std::map<std::string, std::pair<std::function<void(const Words &)>, std::s
     {"update",     {[](const Words &) { update(); }, 1}},
     {"frame",      {[](const Words &) { frame(); }, 1}},
     {"turn",       {[](const Words &) { update(); frame(); }, 1}},
-    {"button",     {button, 9}},
+    {"button",     {button, ONCE}},
     {"motion",     {[](const Words &w) {
-        call(recording::window().passiveMotion, number(w, 1), number(w, 2)); }, 9}},
+        call(recording::window().passiveMotion, number(w, 1), number(w, 2)); }, ONCE}},
     {"reshape",    {[](const Words &w) {
-        recording::window().reshape(number(w, 1), number(w, 2)); }, 9}},
-    {"set",        {[](const Words &w) { globals::set(w.at(1), std::stod(w.at(2))); }, 9}},
-    {"show",       {[](const Words &w) { show(w.size() > 1 ? w[1] : ""); }, 9}},
-    {"draw",       {drawScene, 9}},
-    {"objects",    {[](const Words &) { tell(record::objects()); }, 9}},
-    {"footprints", {[](const Words &w) { tell(record::footprints(number(w, 1))); }, 9}},
+        recording::window().reshape(number(w, 1), number(w, 2)); }, ONCE}},
+    {"set",        {[](const Words &w) { globals::set(w.at(1), std::stod(w.at(2))); }, ONCE}},
+    {"show",       {[](const Words &w) { show(w.size() > 1 ? w[1] : ""); }, ONCE}},
+    {"draw",       {drawScene, ONCE}},
+    {"objects",    {[](const Words &) { tell(record::objects()); }, ONCE}},
+    {"footprints", {[](const Words &w) { tell(record::footprints(number(w, 1))); }, ONCE}},
 };
 // clang-format on
 
