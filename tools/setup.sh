@@ -10,6 +10,43 @@ fail() {
     exit 1
 }
 
+# usage: what the script says of itself, the comment that it opens with.
+usage() {
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
+}
+
+# arguments LEAST MOST WORD...: answers --help, and a wrong number of words with the usage and
+# status 2. Options that a script takes are to be taken off the words before.
+arguments() {
+    local least=$1 most=$2
+    shift 2
+    case ${1:-} in
+    -h | --help) usage && exit 0 ;;
+    -*) printf '%s: what is %s?\n' "${0##*/}" "$1" >&2 ;;
+    *) [ $# -lt "$least" ] || [ $# -gt "$most" ] || return 0 ;;
+    esac
+    usage >&2
+    exit 2
+}
+
+# need PROGRAM...: ends with the command that installs what is missing of them.
+need() {
+    local program missing=() wanted=()
+    for program; do
+        command -v "$program" >/dev/null && continue
+        missing+=("$program")
+        case $program in
+        xvfb-run) wanted+=(xvfb xauth) ;;
+        import | convert | compare) wanted+=(imagemagick) ;;
+        img2webp) wanted+=(webp) ;;
+        *) wanted+=("$program") ;;
+        esac
+    done
+    [ ${#missing[@]} -eq 0 ] ||
+        fail "${missing[*]} missing; as root: apt-get install --no-install-recommends" \
+            "$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)"
+}
+
 packages() {
     sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packages.txt"
 }
