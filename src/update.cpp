@@ -3,6 +3,7 @@
 #include <GL/glut.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "assets.h"
 #include "game_objects.h"
@@ -10,6 +11,10 @@
 #include "scene_collision.h"
 
 namespace {
+
+// Below zero the talk timer only counts, to no effect, until a talk sets it again: here it ends,
+// for want of a smaller number.
+constexpr int LOWEST_TALK_TIMER = std::numeric_limits<int>::min();
 
 void undoStep() {
     position[0] = positionold[0];
@@ -65,7 +70,7 @@ void runTalkTimer() {
     if (TalkTimer == 0 && IsTalkBool) {
         Menu = NO_OVERLAY;
         IsTalkBool = false;
-    } else {
+    } else if (TalkTimer > LOWEST_TALK_TIMER) {
         --TalkTimer;
     }
 }
