@@ -41,7 +41,7 @@ void init() {
 }
 
 int main(int argc, char **argv) {
-    createPlayers();
+    createAnimations();
     glutInit(&argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
     glutInitWindowSize(START_WIDTH, START_HEIGHT);

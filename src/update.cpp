@@ -105,12 +105,12 @@ void poseInTown() {
     poodle2.update(enemy_params);
 }
 
-// Steps a player into the pose and the poodle, restarting it at its end, which a
-// looping player has then already done once. True at the end.
-bool play(Interpolate &player, Params &pose, Poodle &dog) {
-    const bool ended = player.step(pose);
+// Steps an animation into the pose and the poodle, restarting it at its end, which a
+// looping one has then already done once. True at the end.
+bool play(Interpolate &animation, Params &pose, Poodle &dog) {
+    const bool ended = animation.step(pose);
     if (ended) {
-        player.reset();
+        animation.reset();
     }
     dog.update(pose);
     return ended;
