@@ -8,18 +8,31 @@
 namespace {
 
 constexpr int CAPACITY = 256;
+constexpr int VELOCITIES = 256;           // half of them negative
 constexpr double VELOCITY_STEP = 0.0001;  // units per step
 constexpr double LIFT = 0.0006;           // units per step per step
+constexpr int BRIGHT_SHADES = 256;        // of the colour that a scheme favours
+constexpr int DIM_SHADES = 128;           // of the other two
+constexpr int SHORTEST_LIFE = 52;         // steps
+constexpr int LIVES = 76;
 
 float randomVelocity() {
-    return static_cast<float>((rand() % 256 - 128) * VELOCITY_STEP);
+    return static_cast<float>((rand() % VELOCITIES - VELOCITIES / 2) * VELOCITY_STEP);
+}
+
+int randomShade(bool favoured) {
+    return rand() % (favoured ? BRIGHT_SHADES : DIM_SHADES);
+}
+
+// From 152 for the shortest life down to 2 for the longest.
+int opacity(const Particle &p) {
+    return 256 - 2 * p.life;
 }
 
 void emit(const Particle &p) {
-    // Opacity falls from 152 for the shortest life to 2 for the longest.
     const auto byte = [](int value) { return static_cast<GLubyte>(value); };
     glBegin(GL_QUADS);
-    glColor4ub(byte(p.red), byte(p.green), byte(p.blue), byte(-2 * p.life));
+    glColor4ub(byte(p.red), byte(p.green), byte(p.blue), byte(opacity(p)));
     glTexCoord2f(1, 1);
     glVertex3f(p.x + 1, p.y + 1, p.z);
     glTexCoord2f(0, 1);
@@ -43,14 +56,14 @@ Fireworks::Fireworks(int count_, int colorScheme_)
 // The random numbers are drawn in the order of these statements.
 void Fireworks::birth(Particle &p) const {
     p.x = p.y = p.z = 0;
-    p.red = rand() % (colorScheme == 0 ? 256 : 128);
-    p.green = rand() % (colorScheme == 1 ? 256 : 128);
-    p.blue = rand() % (colorScheme != 0 && colorScheme != 1 ? 256 : 128);
+    p.red = randomShade(colorScheme == 0);
+    p.green = randomShade(colorScheme == 1);
+    p.blue = randomShade(colorScheme != 0 && colorScheme != 1);
     p.vx = randomVelocity();
     p.vy = randomVelocity();
     p.vz = randomVelocity();
     p.age = 0;
-    p.life = rand() % 76 + 52;
+    p.life = rand() % LIVES + SHORTEST_LIFE;
 }
 
 void Fireworks::rebirth() {
