@@ -47,7 +47,10 @@ std::int64_t dataSize(int width, int height) {
 // Null where there is not so much memory.
 Pixels allocatePixels(const Image &image) {
     const std::size_t room = pixelRoom(image.width, image.height, PTRDIFF_MAX);
-    return room == 0 ? nullptr : Pixels(static_cast<unsigned char *>(calloc(room, 1)));
+    if (room == 0) {
+        return nullptr;
+    }
+    return Pixels(static_cast<unsigned char *>(calloc(room, 1)));
 }
 
 Image readImage(FILE *file, const char *filename) {
