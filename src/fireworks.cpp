@@ -8,8 +8,8 @@
 namespace {
 
 constexpr int CAPACITY = 256;
-constexpr int VELOCITIES = 256;           // half of them negative
 constexpr double VELOCITY_STEP = 0.0001;  // units per step
+constexpr int VELOCITY_STEPS = 128;       // at birth at most, either way
 constexpr double LIFT = 0.0006;           // units per step per step
 constexpr int BRIGHT_SHADES = 256;        // of the colour that a scheme favours
 constexpr int DIM_SHADES = 128;           // of the other two
@@ -17,7 +17,7 @@ constexpr int SHORTEST_LIFE = 52;         // steps
 constexpr int LIVES = 76;
 
 float randomVelocity() {
-    return static_cast<float>((rand() % VELOCITIES - VELOCITIES / 2) * VELOCITY_STEP);
+    return static_cast<float>((rand() % (2 * VELOCITY_STEPS) - VELOCITY_STEPS) * VELOCITY_STEP);
 }
 
 int randomShade(bool favoured) {
@@ -42,6 +42,14 @@ void emit(const Particle &p) {
     glTexCoord2f(1, 0);
     glVertex3f(p.x + 1, p.y - 1, p.z);
     glEnd();
+}
+
+void move(Particle &p) {
+    p.x += p.vx;
+    p.vy = static_cast<float>(p.vy + LIFT);
+    p.y += p.vy;
+    p.z += p.vz;
+    ++p.age;
 }
 
 }  // namespace
@@ -74,23 +82,14 @@ void Fireworks::rebirth() {
     });
 }
 
-void Fireworks::move() {
-    std::for_each_n(particles.get(), count, [](Particle &p) {
-        p.x += p.vx;
-        p.vy = static_cast<float>(p.vy + LIFT);
-        p.y += p.vy;
-        p.z += p.vz;
-        ++p.age;
-    });
-}
-
 void Fireworks::draw() {
     rebirth();
     draw_no_update();
-    move();
+    std::for_each_n(particles.get(), count, move);
 }
 
-void Fireworks::draw_no_update() {
+// Not const: it is called by the same kind of pointer as draw.
+void Fireworks::draw_no_update() {  // NOLINT(readability-make-member-function-const)
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     glDisable(GL_DEPTH_TEST);
@@ -103,5 +102,5 @@ void Fireworks::draw_no_update() {
 
 void Fireworks::step() {
     rebirth();
-    move();
+    std::for_each_n(particles.get(), count, move);
 }

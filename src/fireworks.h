@@ -38,5 +38,4 @@ public:
 private:
     void birth(Particle &particle) const;
     void rebirth();
-    void move();
 };
