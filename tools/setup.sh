@@ -16,6 +16,13 @@ usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
 }
 
+# misuse WORD...: says so, with the usage, and ends with status 2.
+misuse() {
+    printf '%s: %s\n\n' "${0##*/}" "$*" >&2
+    usage >&2
+    exit 2
+}
+
 # arguments LEAST MOST WORD...: answers --help, and a wrong number of words with the usage and
 # status 2. Options that a script takes are to be taken off the words before.
 arguments() {
@@ -23,11 +30,18 @@ arguments() {
     shift 2
     case ${1:-} in
     -h | --help) usage && exit 0 ;;
-    -*) printf '%s: what is %s?\n' "${0##*/}" "$1" >&2 ;;
-    *) [ $# -lt "$least" ] || [ $# -gt "$most" ] || return 0 ;;
+    -*) misuse "what is $1?" ;;
     esac
-    usage >&2
-    exit 2
+    [ $# -ge "$least" ] || misuse "too few words"
+    [ $# -le "$most" ] || misuse "too many words"
+}
+
+# number WORD...: ends as a misuse unless each is a number that is at least 0.
+number() {
+    local word
+    for word; do
+        [[ $word =~ ^[0-9]+(\.[0-9]+)?$ ]] || misuse "$word is no number"
+    done
 }
 
 # need PROGRAM...: ends with the command that installs what is missing of them.
@@ -104,23 +118,29 @@ install_missing() {
         fail "could not install ${missing[*]}, see above"
 }
 
+# configure PRESET [OPTION...]: with these options for cmake, in build/PRESET.
+configure() {
+    local log=$root/build/$1.log
+    need cmake
+    mkdir -p "$root/build"
+    (cd "$root" && cmake --preset "$@" >"$log" 2>&1) || {
+        cat "$log"
+        fail "cmake could not configure ($1), see above; ./check installs what it needs"
+    }
+}
+
 # build PRESET [OPTION...] [-- TARGET...]: configures with these options and builds these targets,
 # or all, into build/PRESET.
 build() {
-    local preset=$1 options=() log=$root/build/$1.log
+    local preset=$1 options=()
     shift
     while [ $# -gt 0 ] && [ "$1" != -- ]; do
         options+=("$1")
         shift
     done
     [ $# -eq 0 ] || set -- --target "${@:2}"
-    need cmake
     say "building ($preset)"
-    mkdir -p "$root/build"
-    (cd "$root" && cmake --preset "$preset" "${options[@]}" >"$log" 2>&1) || {
-        cat "$log"
-        fail "cmake could not configure, see above; ./check installs what it needs"
-    }
+    configure "$preset" "${options[@]}"
     (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)" "$@") ||
         fail "the build failed, see above"
 }
