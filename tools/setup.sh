@@ -39,6 +39,10 @@ need() {
         case $program in
         xvfb-run) wanted+=(xvfb xauth) ;;
         import | convert | compare) wanted+=(imagemagick) ;;
+        dpkg-deb) wanted+=(dpkg) ;;
+        dpkg-shlibdeps) wanted+=(dpkg-dev) ;;
+        desktop-file-validate) wanted+=(desktop-file-utils) ;;
+        appstreamcli) wanted+=(appstream) ;;
         img2webp) wanted+=(webp) ;;
         *) wanted+=("$program") ;;
         esac
@@ -46,6 +50,14 @@ need() {
     [ ${#missing[@]} -eq 0 ] ||
         fail "${missing[*]} missing; as root: apt-get install --no-install-recommends" \
             "$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)"
+}
+
+# on_virtual_display ARGUMENT...: starts this script again on a display of its own, drawn in
+# software; does nothing where it is on that one.
+on_virtual_display() {
+    [ "${TALVERY_DISPLAY:-}" != "$0" ] || return 0
+    TALVERY_DISPLAY=$0 LIBGL_ALWAYS_SOFTWARE=1 exec xvfb-run --auto-servernum \
+        --server-args="-screen 0 1280x1024x24 -nolisten tcp" "$0" "$@"
 }
 
 # packages PART...: what packages.txt lists in these parts.
