@@ -67,11 +67,11 @@ need() {
 }
 
 # on_virtual_display ARGUMENT...: starts this script again on a display of its own, drawn in
-# software; does nothing where it is on that one.
+# software; does nothing where it is on that one. SERVER_OPTIONS are the X server's.
 on_virtual_display() {
     [ "${TALVERY_DISPLAY:-}" != "$0" ] || return 0
     TALVERY_DISPLAY=$0 LIBGL_ALWAYS_SOFTWARE=1 exec xvfb-run --auto-servernum \
-        --server-args="-screen 0 1280x1024x24 -nolisten tcp" "$0" "$@"
+        --server-args="-screen 0 1280x1024x24 -nolisten tcp ${SERVER_OPTIONS:-}" "$0" "$@"
 }
 
 # packages PART...: what packages.txt lists in these parts.
