@@ -8,8 +8,8 @@ export LC_ALL=C
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 . "$root/tools/setup.sh"
 arguments 2 2 "$@"
-need cmake dpkg-deb dpkg-shlibdeps xvfb-run xdotool import lintian desktop-file-validate \
-    appstreamcli mandoc
+need cmake dpkg-deb dpkg-shlibdeps file lintian desktop-file-validate appstreamcli mandoc \
+    xvfb-run xauth xdotool import
 source=$1 work=$2
 on_virtual_display "$@"
 

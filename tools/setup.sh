@@ -51,6 +51,7 @@ need() {
         command -v "$program" >/dev/null && continue
         missing+=("$program")
         case $program in
+        clang++) wanted+=(clang libclang-rt-dev) ;;
         xvfb-run) wanted+=(xvfb xauth) ;;
         import | convert | compare) wanted+=(imagemagick) ;;
         dpkg-deb) wanted+=(dpkg) ;;
