@@ -128,3 +128,18 @@ refused "$everything
 talvery: nothing to play with is left in $data" "$launcher"
 rmdir "$data"
 refused "talvery: the data folder $data is missing or cannot be entered" "$launcher"
+
+# What counts as installed for ./play on a machine of two architectures: what is there for its own
+# or for all, whether or not for the other one too.
+mkdir -p "$work/dpkg"
+while read -r name architecture shared; do
+    printf '%s\n' "Package: $name" "Architecture: $architecture" "Multi-Arch: $shared" \
+        "Status: install ok installed" "Version: 1" "Maintainer: x" "Description: x" ""
+done >"$work/dpkg/status" <<END
+both $(dpkg --print-architecture) same
+both other same
+data all foreign
+foreign other same
+END
+lacking=$(DPKG_ADMINDIR=$work/dpkg not_installed both data foreign unknown | xargs)
+[ "$lacking" = "foreign unknown" ] || fail "these count as not installed: $lacking"
