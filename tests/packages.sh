@@ -5,11 +5,13 @@
 # Usage: packages.sh SOURCE_FOLDER WORK_FOLDER
 set -euo pipefail
 export LC_ALL=C
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+. "$root/tools/setup.sh"
+arguments 2 2 "$@"
+need cmake dpkg-deb dpkg-shlibdeps file lintian desktop-file-validate appstreamcli mandoc \
+    xvfb-run xauth xdotool import
 source=$1 work=$2
-if [ -z "${PACKAGES_DISPLAY:-}" ]; then
-    export PACKAGES_DISPLAY=yes LIBGL_ALWAYS_SOFTWARE=1
-    exec xvfb-run --auto-servernum --server-args="-screen 0 1280x1024x24 -nolisten tcp" "$0" "$@"
-fi
+on_virtual_display "$@"
 
 fail() {
     printf 'look at %s: %s\n' "$work" "$*" >&2
@@ -50,7 +52,8 @@ tree=$PWD data=$PWD/share/games/talvery
 desktop-file-validate share/applications/*
 # No domain belongs to the game yet that its identifier could start with. Without a folder for
 # the screenshots on the network there are none: checked as well.
-for metainfo in "$tree"/share/metainfo/* "$work/../packaging/talvery.metainfo.xml"; do
+cmake "$work" -DTALVERY_URL= >/dev/null
+for metainfo in share/metainfo/* "$work/packaging/talvery.metainfo.xml"; do
     appstreamcli validate --no-net --pedantic \
         --override=cid-desktopapp-is-not-rdns=info "$metainfo"
 done
@@ -81,7 +84,7 @@ started() {
 
 cd /
 launcher=$tree/games/talvery
-refused "talvery: no display to play on: DISPLAY is not set, and no -display is given" \
+refused "talvery: no X display to play on: DISPLAY is not set, and no -display is given" \
     env -u DISPLAY "$launcher"
 started env -i DISPLAY="$DISPLAY" XAUTHORITY="$XAUTHORITY" LIBGL_ALWAYS_SOFTWARE=1 "$launcher"
 xdotool key Escape
@@ -91,13 +94,15 @@ wait "$game" || fail "Escape ended the game with status $?"
 # Broken data is told, and does not keep the game from starting. Its own lines are out at once.
 ln -s "$launcher" "$work/moved there/a link"
 rm "$data/NPC.obj"
+mkdir "$data/NPC.obj"
 : >"$data/brick.bmp"
 truncate -s 100 "$data/Tree.obj"
+tree_trouble="has 100 bytes instead of $(stat -c %s "$source/data/Tree.obj")"
 mv "$data/walk.txt" "$data/walk.away"
 started env -u DISPLAY "$work/moved there/a link" -display "$DISPLAY"
 diff - "$work/errors" <<END || fail "broken data is told otherwise"
-a link: NPC.obj is missing in $data
-a link: Tree.obj has 100 bytes instead of $(stat -c %s "$source/data/Tree.obj") in $data
+a link: NPC.obj is not a file in $data
+a link: Tree.obj $tree_trouble in $data
 a link: brick.bmp is empty in $data
 a link: walk.txt is missing in $data
 END
@@ -107,9 +112,34 @@ status=0
 wait "$game" || status=$?
 [ "$status" -eq 143 ] || fail "the signal did not reach the game: status $status"
 
+# What the game would wait for without end is told, and keeps it from starting.
+rm -r "$data/NPC.obj" "$data/brick.bmp"
+ln -s /dev/zero "$data/NPC.obj"
+mkfifo "$data/brick.bmp"
+refused "talvery: NPC.obj is not a file in $data
+talvery: Tree.obj $tree_trouble in $data
+talvery: brick.bmp is not a file in $data
+talvery: walk.txt is missing in $data
+talvery: brick.bmp could keep the game waiting for ever" timeout 60 "$launcher"
+
 rm "$data"/*
-missing=$(sed "s|.* \(.*\)|talvery: \1 is missing in $data|" "$tree/libexec/talvery/data.list")
-refused "$missing
+everything=$(sed "s|.* \(.*\)|talvery: \1 is missing in $data|" "$tree/libexec/talvery/data.list")
+refused "$everything
 talvery: nothing to play with is left in $data" "$launcher"
 rmdir "$data"
 refused "talvery: the data folder $data is missing or cannot be entered" "$launcher"
+
+# What counts as installed for ./play on a machine of two architectures: what is there for its own
+# or for all, whether or not for the other one too.
+mkdir -p "$work/dpkg"
+while read -r name architecture shared; do
+    printf '%s\n' "Package: $name" "Architecture: $architecture" "Multi-Arch: $shared" \
+        "Status: install ok installed" "Version: 1" "Maintainer: x" "Description: x" ""
+done >"$work/dpkg/status" <<END
+both $(dpkg --print-architecture) same
+both other same
+data all foreign
+foreign other same
+END
+lacking=$(DPKG_ADMINDIR=$work/dpkg not_installed both data foreign unknown | xargs)
+[ "$lacking" = "foreign unknown" ] || fail "these count as not installed: $lacking"

@@ -4,18 +4,21 @@
 #
 # Usage: played_round.sh TOUR PROGRAM DATA_FOLDER PICTURE_FOLDER
 set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+. "$root/tools/setup.sh"
+arguments 4 4 "$@"
+need compare
 tour=$1 program=$2 data=$3 pictures=$4
 
 output=$("$tour" "$program" "$data" "$pictures")
 printf '%s\n' "$output"
 
-fail() {
-    printf 'look at %s: %s\n' "$pictures" "$1" >&2
-    exit 1
+look_at_pictures() {
+    fail "$1: look at $pictures"
 }
 
 if grep -E 'Error|Planes|Bpp' <<<"$output"; then
-    fail "the game could not read one of its files"
+    look_at_pictures "the game could not read one of its files"
 fi
 
 # difference A B: root mean square over all pixels, 0 to 1.
@@ -31,9 +34,9 @@ cd "$pictures"
 previous=
 for picture in [0-9][0-9]-*.png; do
     if [ -n "$previous" ] && ! exceeds "$(difference "$previous" "$picture")" 0.005; then
-        fail "$picture shows the same as $previous"
+        look_at_pictures "$picture shows the same as $previous"
     fi
     previous=$picture
 done
 exceeds 0.02 "$(difference 01-title.png ./*-title-again.png)" ||
-    fail "the title looks different after the game"
+    look_at_pictures "the title looks different after the game"

@@ -1,5 +1,6 @@
 // What tools/cost measures the game by: a window like the game's, over which every frame draws
-// two textured quads, and nothing else.
+// two textured quads, and nothing else. It stands for filling pixels: each takes the nearest texel
+// of one texture, without a filter, and replaces what was there, without a test or blending.
 
 #include <GL/glut.h>
 
@@ -7,10 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "camera.h"
+
 namespace {
 
-constexpr int WIDTH = 1280;
-constexpr int HEIGHT = 1024;
 constexpr int TEXTURE_SIZE = 1024;
 
 void loadTexture() {
@@ -18,7 +19,9 @@ void loadTexture() {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         pixels[i] = static_cast<unsigned char>(i * 7 + i / TEXTURE_SIZE);
     }
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
     glTexImage2D(GL_TEXTURE_2D, 0, 3, TEXTURE_SIZE, TEXTURE_SIZE, 0, GL_RGB, GL_UNSIGNED_BYTE,
                  pixels.data());
     glEnable(GL_TEXTURE_2D);
@@ -42,7 +45,7 @@ void display() {
 int main(int argc, char **argv) {
     glutInit(&argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
-    glutInitWindowSize(WIDTH, HEIGHT);
+    glutInitWindowSize(START_WIDTH, START_HEIGHT);
     glutCreateWindow("Talvery: reference");
     glutDisplayFunc(display);
     glutIdleFunc(glutPostRedisplay);

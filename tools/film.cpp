@@ -1,4 +1,4 @@
-// The camera of tools/tour: preloaded into the real program, it stands between the program and
+// The camera of tools/film: preloaded into the real program, it stands between the program and
 // GLUT where a frame is shown. The game has no clock, so it may wait for its camera: it draws as
 // many frames as it is told, then waits for the next word. What is filmed is therefore the same
 // on a slow machine and on a fast one, 60 frames to a second of play.
@@ -84,7 +84,7 @@ void glutSwapBuffers() {
     std::fputs("\n", done);
     std::fflush(done);
     if (std::fscanf(orders, "%d %d", &left, &filming) != 2) {
-        left = -1;  // the tour has gone: play on alone
+        left = -1;  // the film is made: play on alone
         filming = 0;
     }
 }

@@ -1,16 +1,10 @@
 # Sourced by tools/cost and tools/soak: runs the real program on a virtual display, with its
-# frames logged. Needs $root and $scratch, an empty folder.
+# frames logged. Needs tools/setup.sh, the target frame_log of the release preset, $root and
+# $scratch, an empty folder.
 # shellcheck shell=bash disable=SC2154
 
 frame_log=$scratch/frames
 program=0  # process id, while one runs
-
-# on_virtual_display ARGUMENT...: starts this script again on one, where it is not on one yet.
-on_virtual_display() {
-    [ -z "${TALVERY_MEASURED_DISPLAY:-}" ] || return 0
-    export TALVERY_MEASURED_DISPLAY=yes LIBGL_ALWAYS_SOFTWARE=1
-    exec xvfb-run --auto-servernum --server-args="-screen 0 1280x1024x24 -nolisten tcp" "$0" "$@"
-}
 
 frames() {
     wc -l <"$frame_log"

@@ -107,8 +107,8 @@ bool writeSheet(const std::string &file) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    openWindow(&argc, argv, "Talvery: model viewer", WINDOW, WINDOW);
     const Arguments arguments = readArguments(argc, argv, 2, USAGE);
+    openWindow(&argc, argv, "Talvery: model viewer", WINDOW, WINDOW);
     loadModel(OBJ_MODEL, arguments.files[0].c_str(), arguments.files[1].c_str(), model);
     frameModel();
     if (!arguments.sheet.empty()) {

@@ -136,8 +136,8 @@ bool writeSheet() {
 }  // namespace
 
 int main(int argc, char **argv) {
-    openWindow(&argc, argv, "Talvery: pose viewer", WINDOW, WINDOW);
     arguments = readArguments(argc, argv, 1, USAGE);
+    openWindow(&argc, argv, "Talvery: pose viewer", WINDOW, WINDOW);
     readSteps();
     if (!arguments.sheet.empty()) {
         return writeSheet() ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -1,4 +1,5 @@
-# Sourced by ./play and ./check: installs what is missing and builds. Needs $root, the
+# shellcheck shell=bash disable=SC2154
+# Sourced by ./play, ./check and the tools: installs what is missing and builds. Needs $root, the
 # folder of the repository. Every function ends the script on failure.
 
 say() {
@@ -15,6 +16,13 @@ usage() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
 }
 
+# misuse WORD...: says so, with the usage, and ends with status 2.
+misuse() {
+    printf '%s: %s\n\n' "${0##*/}" "$*" >&2
+    usage >&2
+    exit 2
+}
+
 # arguments LEAST MOST WORD...: answers --help, and a wrong number of words with the usage and
 # status 2. Options that a script takes are to be taken off the words before.
 arguments() {
@@ -22,11 +30,18 @@ arguments() {
     shift 2
     case ${1:-} in
     -h | --help) usage && exit 0 ;;
-    -*) printf '%s: what is %s?\n' "${0##*/}" "$1" >&2 ;;
-    *) [ $# -lt "$least" ] || [ $# -gt "$most" ] || return 0 ;;
+    -*) misuse "what is $1?" ;;
     esac
-    usage >&2
-    exit 2
+    [ $# -ge "$least" ] || misuse "too few words"
+    [ $# -le "$most" ] || misuse "too many words"
+}
+
+# number WORD...: ends as a misuse unless each is a number that is at least 0.
+number() {
+    local word
+    for word; do
+        [[ $word =~ ^[0-9]+(\.[0-9]+)?$ ]] || misuse "$word is no number"
+    done
 }
 
 # need PROGRAM...: ends with the command that installs what is missing of them.
@@ -36,8 +51,13 @@ need() {
         command -v "$program" >/dev/null && continue
         missing+=("$program")
         case $program in
+        clang++) wanted+=(clang libclang-rt-dev) ;;
         xvfb-run) wanted+=(xvfb xauth) ;;
         import | convert | compare) wanted+=(imagemagick) ;;
+        dpkg-deb) wanted+=(dpkg) ;;
+        dpkg-shlibdeps) wanted+=(dpkg-dev) ;;
+        desktop-file-validate) wanted+=(desktop-file-utils) ;;
+        appstreamcli) wanted+=(appstream) ;;
         img2webp) wanted+=(webp) ;;
         *) wanted+=("$program") ;;
         esac
@@ -47,21 +67,44 @@ need() {
             "$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)"
 }
 
+# on_virtual_display ARGUMENT...: starts this script again on a display of its own, drawn in
+# software; does nothing where it is on that one. SERVER_OPTIONS are the X server's.
+on_virtual_display() {
+    [ "${TALVERY_DISPLAY:-}" != "$0" ] || return 0
+    TALVERY_DISPLAY=$0 LIBGL_ALWAYS_SOFTWARE=1 exec xvfb-run --auto-servernum \
+        --server-args="-screen 0 1280x1024x24 -nolisten tcp ${SERVER_OPTIONS:-}" "$0" "$@"
+}
+
+# packages PART...: what packages.txt lists in these parts.
 packages() {
-    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packages.txt"
-}
-
-is_installed() {
-    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
-}
-
-install_missing() {
-    command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
-        fail "this is no Debian machine; install the like of these and use cmake:" $(packages)
-    local missing=() package
-    for package in $(packages); do
-        is_installed "$package" || missing+=("$package")
+    local part
+    for part; do
+        grep -qxF "[$part]" "$root/packages.txt" || fail "packages.txt has no part [$part]"
     done
+    awk -v parts=" $* " '
+        {sub(/#.*/, "")}
+        /^\[/ {wanted = index(parts, " " substr($1, 2, length($1) - 2) " "); next}
+        wanted && NF {print $1}' "$root/packages.txt"
+}
+
+# not_installed PACKAGE...: those of them that this machine lacks. Where it has several
+# architectures, a package may be there more than once, or for another one alone.
+not_installed() {
+    local installed
+    installed=$(dpkg-query -W -f='${db:Status-Status} ${Architecture} ${Package}\n' "$@" 2>/dev/null |
+        sed -nE "s/^installed ($(dpkg --print-architecture)|all) //p") || true
+    printf '%s\n' "$@" | grep -vxF -e "$installed" || true
+}
+
+# install_missing PART...: of packages.txt.
+install_missing() {
+    local list wanted missing
+    list=$(packages "$@") || exit
+    mapfile -t wanted <<<"$list"
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        fail "this is no Debian machine; install the like of these and use cmake:" "${wanted[@]}"
+    fi
+    mapfile -t missing < <(not_installed "${wanted[@]}")
     [ ${#missing[@]} -gt 0 ] || return 0
 
     local install=(apt-get install --yes --no-install-recommends "${missing[@]}") as_root=()
@@ -76,17 +119,29 @@ install_missing() {
         fail "could not install ${missing[*]}, see above"
 }
 
-# build PRESET [OPTION...]: configures and builds into build/PRESET.
-build() {
-    local preset=$1
-    shift
-    say "building ($preset)"
-    local log=$root/build/$preset.log
+# configure PRESET [OPTION...]: with these options for cmake, in build/PRESET.
+configure() {
+    local log=$root/build/$1.log
+    need cmake
     mkdir -p "$root/build"
-    (cd "$root" && cmake --preset "$preset" "$@" >"$log" 2>&1) || {
+    (cd "$root" && cmake --preset "$@" >"$log" 2>&1) || {
         cat "$log"
-        fail "cmake could not configure, see above"
+        fail "cmake could not configure ($1), see above; ./check installs what it needs"
     }
-    (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)") ||
+}
+
+# build PRESET [OPTION...] [-- TARGET...]: configures with these options and builds these targets,
+# or all, into build/PRESET.
+build() {
+    local preset=$1 options=()
+    shift
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        options+=("$1")
+        shift
+    done
+    [ $# -eq 0 ] || set -- --target "${@:2}"
+    say "building ($preset)"
+    configure "$preset" "${options[@]}"
+    (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)" "$@") ||
         fail "the build failed, see above"
 }

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "camera.h"
 #include "game_objects.h"
 #include "game_state.h"
 #include "input.h"
@@ -23,10 +24,8 @@
 
 namespace {
 
-constexpr int WIDTH = 1280;
-constexpr int HEIGHT = 1024;
-constexpr float RADIANS = 0.017453292F;  // of one degree
-constexpr int SETTLING_FRAMES = 3;       // for the camera and the texts
+constexpr int SETTLING_FRAMES = 3;  // for the camera and the texts
+constexpr float LOWEST_EYE = 0.1F;  // above the ground, world units, as when the player looks up
 
 // A place in the town and a view: heading 0 looks along -z, 90 along -x. The view is turned
 // by `yaw` from behind the player and raised by `pitch`; `distance` counts in that of the start.
@@ -149,7 +148,7 @@ void press(unsigned char key) {
 }
 
 void save(const std::string &name) {
-    ContactSheet picture(1, WIDTH, HEIGHT);
+    ContactSheet picture(1, START_WIDTH, START_HEIGHT);
     picture.add();
     if (!picture.write(folder + "/" + name + ".png")) {
         exit(1);
@@ -163,12 +162,14 @@ void stand(const Place &place) {
     objrot = objrotold = place.heading * RADIANS;
     const float yaw = (place.heading + place.yaw) * RADIANS;
     const float pitch = place.pitch * RADIANS;
-    const float back = 4.8F * place.distance;
+    const Camera start;
+    const float back = start.eye[2] * place.distance;
+    const float above = (start.eye[1] - start.center[1]) * place.distance;
     camera.center[0] = place.x;
-    camera.center[1] = 1.5F;
+    camera.center[1] = start.center[1];
     camera.center[2] = place.z;
     camera.eye[0] = place.x + back * std::cos(pitch) * std::sin(yaw);
-    camera.eye[1] = std::fmax(0.1F, 1.5F + 0.3F * place.distance + back * std::sin(pitch));
+    camera.eye[1] = std::fmax(LOWEST_EYE, camera.center[1] + above + back * std::sin(pitch));
     camera.eye[2] = place.z + back * std::cos(pitch) * std::cos(yaw);
     runFrames(SETTLING_FRAMES);
 }
@@ -293,7 +294,7 @@ int main(int argc, char **argv) {
     wanted = argc > 2 ? argv[2] : "";
     createAnimations();
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
-    glutInitWindowSize(WIDTH, HEIGHT);
+    glutInitWindowSize(START_WIDTH, START_HEIGHT);
     glutCreateWindow("Talvery: shots");
     glutReshapeFunc(myReshape);
     glutDisplayFunc(shootAll);

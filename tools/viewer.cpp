@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr float RADIANS = 0.017453292F;  // of one degree
 constexpr float BACKGROUND[3] = {0.20F, 0.22F, 0.32F};
 constexpr float LIGHT_SQUARE[3] = {0.44F, 0.41F, 0.38F};
 constexpr float DARK_SQUARE[3] = {0.38F, 0.35F, 0.33F};
@@ -97,7 +96,10 @@ Arguments readArguments(int argc, char **argv, std::size_t fileCount, const char
     Arguments arguments;
     bool understood = true;
     for (int i = 1; i < argc; ++i) {
-        if (strcmp(argv[i], "--sheet") == 0 && i + 1 < argc) {
+        if (strcmp(argv[i], "--help") == 0) {
+            printf("%s", usage);
+            exit(0);
+        } else if (strcmp(argv[i], "--sheet") == 0 && i + 1 < argc) {
             arguments.sheet = argv[++i];
         } else if (strcmp(argv[i], "--speed") == 0 && i + 1 < argc) {
             arguments.speed = strtof(argv[++i], nullptr);
@@ -119,11 +121,7 @@ void openWindow(int *argc, char **argv, const char *title, int windowWidth, int 
     glutInitWindowSize(windowWidth, windowHeight);
     glutCreateWindow(title);
     glClearColor(BACKGROUND[0], BACKGROUND[1], BACKGROUND[2], 1);
-    glShadeModel(GL_SMOOTH);
-    setLights();
-    glEnable(GL_DEPTH_TEST);
-    glEnable(GL_COLOR_MATERIAL);
-    glEnable(GL_NORMALIZE);
+    setDrawingState();
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
 }
 

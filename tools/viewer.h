@@ -1,10 +1,13 @@
 #pragma once
 
+#include <numbers>
 #include <string>
 #include <vector>
 
 // What the two viewers share: a window lit as the game lights the town, a view that
 // turns about its subject under mouse and keys, and contact sheets written as PNG.
+
+constexpr float RADIANS = std::numbers::pi_v<float> / 180;  // of one degree
 
 // The place from which the subject is seen.
 struct View {
@@ -22,7 +25,8 @@ struct Arguments {
 };
 
 // Takes its options out of the command line. Without `fileCount` files, or with an
-// option that it does not know, prints `usage` on standard error and leaves.
+// option that it does not know, prints `usage` on standard error and leaves with status 2;
+// for "--help" on standard output with status 0.
 Arguments readArguments(int argc, char **argv, std::size_t fileCount, const char *usage);
 
 // Opens the window and sets the game's lights and drawing state.
