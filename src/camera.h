@@ -39,7 +39,8 @@ public:
     // modelview matrix, which is not touched.
     void setup() const;
 
-    // The same into whichever matrix is current; the matrix mode stays.
+    // Puts perspective and view in place of the current matrix, whichever that is, and leaves
+    // the matrix mode as it was.
     void setupShadow() const;
 
     float eye[3] = {0, 1.8F, 4.8F};

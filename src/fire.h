@@ -8,6 +8,8 @@ using Fountain_Draw = void (Fireworks::*)();
 // Draws both fountains as two crossed planes of flames that turn with the player's
 // heading, 1.4 units above the origin of the current modelview frame, which is
 // kept. Leaves the last particle's colour and the normal (0, 1, 0) current, the depth test on and
-// blending off. Loads the camera's view into the projection matrix again; leaves the fire
-// texture bound and the blend function additive.
+// blending off, the fire texture bound and the blend function additive.
+//
+// Leaves the camera's view in the projection matrix, whatever was there before: in a frame it is
+// there already, and each fire loads it once more.
 void drawFire(float scale, Fountain_Draw draw);

@@ -3,7 +3,7 @@
 #include <memory>
 
 // One flame of a fountain. Lengths are in units of the fountain's frame; time is
-// counted in drawn steps.
+// counted in steps.
 struct Particle {
     float x, y, z;
     float vx, vy, vz;      // added to the position once a step
@@ -38,5 +38,4 @@ public:
 private:
     void birth(Particle &particle) const;
     void rebirth();
-    void move();
 };

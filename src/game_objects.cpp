@@ -26,14 +26,14 @@ constinit Interpolate *interpolate_sitdown2 = nullptr;
 
 namespace {
 
-struct Player {
+struct Animation {
     Interpolate *&interpolate;
     const char *file;
     bool loop;
 };
 
 // clang-format off
-const Player PLAYERS[] = {
+const Animation ANIMATIONS[] = {
     {interpolate_walk,     "walk.txt",    true},
     {interpolate_sitdown,  "stay.txt",    true},
     {interpolate_stay,     "stay.txt",    true},
@@ -47,8 +47,8 @@ const Player PLAYERS[] = {
 
 }  // namespace
 
-void createPlayers() {
-    for (const Player &player : PLAYERS) {
-        player.interpolate = new Interpolate(player.file, player.loop);
+void createAnimations() {
+    for (const Animation &animation : ANIMATIONS) {
+        animation.interpolate = new Interpolate(animation.file, animation.loop);
     }
 }

@@ -22,7 +22,7 @@ extern float swidth;   // edge of the square ground
 extern float sheight;  // height of the sky box
 extern float swidth2;  // half of the ground's edge; set before main
 
-// --- Keyframe players: created by createPlayers, never freed ------------------------
+// --- Animations: created by createAnimations, never freed ---------------------------
 
 extern Interpolate *interpolate_walk;      // the player walking in the town
 extern Interpolate *interpolate_sitdown;   // the player at rest, in the town and in battle
@@ -33,5 +33,5 @@ extern Interpolate *interpolate_special;   // the player's SPECIAL
 extern Interpolate *interpolate_fight2;    // the enemy's attack
 extern Interpolate *interpolate_sitdown2;  // the enemy at rest in battle
 
-// Creates the eight players, each with its own stream on its keyframe file.
-void createPlayers();
+// Creates the eight animations, each with its own stream on its keyframe file.
+void createAnimations();

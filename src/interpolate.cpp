@@ -12,6 +12,8 @@ constexpr float SPAN_GUARD = 0.0001F;
 
 using Values = std::array<float, POSE_VALUES>;
 
+// A number that the file writes below 0 wraps round as it is read: through int, it is below 0
+// again.
 float signedFrame(const KeyFrame &key) {
     return static_cast<float>(static_cast<int>(key.frame));
 }
@@ -77,6 +79,8 @@ bool Interpolate::step(Params &out) {
     const float a = signedFrame(current);
     const float b = signedFrame(next);
     const float t = (f - a) / ((b - a) + SPAN_GUARD);
+    // Not f < b: the guard keeps t below 1 at the later key's own frame, which so still gets its
+    // pose, unless the keys are 2048 frames apart and the guard drowns in the rounding.
     if (b > a + (b - a) * t) {
         auto pose = std::bit_cast<Values>(current.pose);
         const auto goal = std::bit_cast<Values>(next.pose);

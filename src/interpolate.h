@@ -50,14 +50,14 @@ struct KeyFrame {
 // The file is text: a header "#total_keys = N", then keys of 27 floats and a
 // frame number each, separated by white space. Frame numbers count from 0 and
 // rise; a key that does not rise is passed over. Unreadable values leave what was
-// there before. A file holds at least two keys, and a player only ever holds two:
+// there before. A file holds at least two keys, and an animation only ever holds two:
 // it reads one more at each key change, from a stream that stays open.
 //
-// A player whose file cannot be opened prints "Error Opening File" on standard
+// An animation whose file cannot be opened prints "Error Opening File" on standard
 // output at each attempt; its `step` then writes nothing and returns true.
 class Interpolate {
 public:
-    // Opens the file. `filename` is kept, not copied: it must outlive the player.
+    // Opens the file. `filename` is kept, not copied: it must outlive the animation.
     Interpolate(const char *filename, bool loop);
 
     // Restarts the animation from the first key.
@@ -65,8 +65,8 @@ public:
 
     // Advances by one step. Either writes the pose of the current frame, or, past
     // the later key, moves on to the next key and leaves `out` alone. True when
-    // this step reached the end: a looping player has then restarted, another one
-    // stays where it is until `reset`.
+    // this step reached the end: a looping animation has then restarted, another
+    // one stays where it is until `reset`.
     bool step(Params &out);
 
     // Moves to the next key at once, restarting after the last; returns 1.

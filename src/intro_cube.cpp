@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr float CENTRE_Y = 1.6F;  // of the cube at rest, world units
+constexpr float CENTRE_Z = 1.3F;
 constexpr float TURN_STEP = 0.5F;    // degrees a frame
 constexpr double SWING_STEP = 0.05;  // world units a frame
 constexpr float SWING_FRAMES = 90;   // one way
@@ -42,7 +44,7 @@ void IntroCube() {
     glColor3f(1, 1, 1);
     glPushMatrix();
     {
-        glTranslatef(0, 1.6F, 1.3F);
+        glTranslatef(0, CENTRE_Y, CENTRE_Z);
         if (option == 0 && selectOption) {
             status = TOWN;
         }

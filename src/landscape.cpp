@@ -11,11 +11,15 @@ struct Place {
     float x, y, z;  // of a model's origin, world units
 };
 
+// Where they stand in the way is told apart from this, in SCENERY of scene_collision.cpp.
 constexpr Place TREES[] = {{-3, 1.8F, 0}, {-10, 1.8F, 0}, {30, 1.8F, 0}};
 constexpr float TREE_SCALE = 0.5F;
 constexpr float TREE_FIRE_SCALE = 3;  // within the tree's scale
 
 constexpr Place FOREST_BLOCKS[] = {{-95, 2, 30}, {-95, 2, -30}};
+constexpr float FOREST_SCALE = 2;  // across
+constexpr float FOREST_HEIGHT_SCALE = 4;
+constexpr float FOREST_ANGLE = -90;  // degrees about y
 
 constexpr Place CASTLE = {-80, 4.7F, 0};
 constexpr float CASTLE_SCALE = 3;
@@ -47,8 +51,8 @@ void drawForest() {
         glPushMatrix();
         {
             translateTo(place);
-            glScalef(2, 4, 2);
-            glRotatef(-90, 0, 1, 0);
+            glScalef(FOREST_SCALE, FOREST_HEIGHT_SCALE, FOREST_SCALE);
+            glRotatef(FOREST_ANGLE, 0, 1, 0);
             glCallList(forest);
         }
         glPopMatrix();

@@ -24,3 +24,11 @@ void setLights() {
     glLightfv(GL_LIGHT1, GL_POSITION, fill_position);
     glEnable(GL_LIGHT1);
 }
+
+void setDrawingState() {
+    glShadeModel(GL_SMOOTH);
+    setLights();
+    glEnable(GL_DEPTH_TEST);
+    glEnable(GL_COLOR_MATERIAL);
+    glEnable(GL_NORMALIZE);
+}

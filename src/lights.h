@@ -15,3 +15,8 @@ extern float fill_position[4];
 // Enables lighting and both lights. Their positions go through the modelview matrix, which
 // is to be the identity.
 void setLights();
+
+// What every drawing operation relies on, for the whole run: smooth shading, the lights, the
+// depth test, colours as materials, and normals brought to unit length. Needs the identity, as
+// setLights does.
+void setDrawingState();

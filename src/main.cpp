@@ -32,12 +32,8 @@ void init() {
     loadModels();
 
     glClearColor(0, 0, 0, 0);
-    glShadeModel(GL_SMOOTH);
     // Given while the modelview matrix is the identity: the lights stay in the world.
-    setLights();
-    glEnable(GL_DEPTH_TEST);
-    glEnable(GL_COLOR_MATERIAL);
-    glEnable(GL_NORMALIZE);
+    setDrawingState();
 
     memcpy(HEALTH, "100", sizeof HEALTH);
     initCollforBackground();
@@ -45,7 +41,7 @@ void init() {
 }
 
 int main(int argc, char **argv) {
-    createPlayers();
+    createAnimations();
     glutInit(&argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
     glutInitWindowSize(START_WIDTH, START_HEIGHT);

@@ -8,9 +8,12 @@
 
 namespace {
 
-// Left edges of the texts, overlay coordinates.
-constexpr float LEFT = -0.37F;
-constexpr float STATUS_LEFT = 0.8F;
+// Where the texts stand, overlay coordinates: their left ends, and baselines 0.03 apart.
+constexpr float LEFT = -0.37F;        // of talk, fight options and messages
+constexpr float STATUS_LEFT = 0.8F;   // of the status
+constexpr float HEALTH_LEFT = 0.95F;  // of the number after "HEALTH:"
+constexpr float TALK_TITLE_Y = 0.04F;
+constexpr float LOWER_LINES[] = {1.18F, 1.21F, 1.24F, 1.27F, 1.3F};  // at the foot of the window
 constexpr float MESSAGE_Y = 0.08F;
 
 struct Colour {
@@ -50,9 +53,9 @@ struct Fight_Option {
 };
 
 constexpr Fight_Option FIGHT_OPTIONS[] = {
-    {ATTACK,  "   ATTACK",  1.21F},
-    {DEFEND,  "   DEFEND",  1.24F},
-    {SPECIAL, "   SPECIAL", 1.27F},
+    {ATTACK,  "   ATTACK",  LOWER_LINES[1]},
+    {DEFEND,  "   DEFEND",  LOWER_LINES[2]},
+    {SPECIAL, "   SPECIAL", LOWER_LINES[3]},
 };
 
 struct Condition {
@@ -68,6 +71,22 @@ constexpr Condition CONDITIONS[] = {
     { 0, "   DYING",    {1, 0.3F, 0.3F}},
     {-1, "   DEAD",     RED},
 };
+
+struct Message_Part {
+    float x;
+    const char *text;
+};
+
+struct Message_Line {
+    Message message;
+    Message_Part parts[3];  // those that it has, in order
+};
+
+constexpr Message_Line MESSAGES[] = {
+    {PLAYER_HIT,      {{LEFT, "YOUR ATTACK CAUSED"}, {0, HIT},     {0.05F, "DAMAGE"}}},
+    {ENEMY_HIT,       {{LEFT, "ENEMY CAUSED"},       {-0.1F, HIT}, {-0.05F, "DAMAGE TO YOU"}}},
+    {PLAYER_DEFENDED, {{LEFT, "DEFENDING ADDS 20 TO YOUR HEALTH"}}},
+};
 // clang-format on
 
 void write(float x, float y, const char *text, const Colour &colour) {
@@ -79,7 +98,7 @@ void displayTalk() {
     if (TalkMenu >= DIALOGUE_LINES) {
         TalkMenu = 0;
     }
-    write(LEFT, 0.04F, "TOWNPERSON SAYS:", WHITE);
+    write(LEFT, TALK_TITLE_Y, "TOWNPERSON SAYS:", WHITE);
     if (TalkMenu < 0) {
         return;
     }
@@ -91,7 +110,7 @@ void displayTalk() {
 }
 
 void displayFightOptions() {
-    write(LEFT, 1.18F, "FIGHT OPTIONS:", WHITE);
+    write(LEFT, LOWER_LINES[0], "FIGHT OPTIONS:", WHITE);
     for (const Fight_Option &fight : FIGHT_OPTIONS) {
         write(LEFT, fight.y, fight.text, fight.move == Fight_status ? RED : WHITE);
     }
@@ -100,23 +119,23 @@ void displayFightOptions() {
 void displayCondition() {
     for (const Condition &condition : CONDITIONS) {
         if (health > condition.healthAbove) {
-            write(STATUS_LEFT, 1.24F, condition.text, condition.colour);
+            write(STATUS_LEFT, LOWER_LINES[2], condition.text, condition.colour);
             return;
         }
     }
 }
 
 void displayStatus() {
-    write(STATUS_LEFT, 1.18F, "HEALTH:", WHITE);
+    write(STATUS_LEFT, LOWER_LINES[0], "HEALTH:", WHITE);
     htoc();
-    write(0.95F, 1.18F, HEALTH, WHITE);
-    write(STATUS_LEFT, 1.21F, "PLAYER STATUS", WHITE);
+    write(HEALTH_LEFT, LOWER_LINES[0], HEALTH, WHITE);
+    write(STATUS_LEFT, LOWER_LINES[1], "PLAYER STATUS", WHITE);
     displayCondition();
-    write(STATUS_LEFT, 1.27F, "SPECIAL STATUS", WHITE);
+    write(STATUS_LEFT, LOWER_LINES[3], "SPECIAL STATUS", WHITE);
     if (special > SPECIAL_THRESHOLD) {
-        write(STATUS_LEFT, 1.3F, "   READY", MAGENTA);
+        write(STATUS_LEFT, LOWER_LINES[4], "   READY", MAGENTA);
     } else {
-        write(STATUS_LEFT, 1.3F, "   NOT READY", WHITE);
+        write(STATUS_LEFT, LOWER_LINES[4], "   NOT READY", WHITE);
     }
 }
 
@@ -136,21 +155,12 @@ void displayMenus() {
 void displayBattleMessages() {
     glPushMatrix();
     {
-        switch (BATTLE_MESSAGE) {
-        case PLAYER_HIT:
-            draw2DText(LEFT, MESSAGE_Y, "YOUR ATTACK CAUSED");
-            draw2DText(0, MESSAGE_Y, HIT);
-            draw2DText(0.05F, MESSAGE_Y, "DAMAGE");
-            break;
-        case ENEMY_HIT:
-            draw2DText(LEFT, MESSAGE_Y, "ENEMY CAUSED");
-            draw2DText(-0.1F, MESSAGE_Y, HIT);
-            draw2DText(-0.05F, MESSAGE_Y, "DAMAGE TO YOU");
-            break;
-        case PLAYER_DEFENDED:
-            draw2DText(LEFT, MESSAGE_Y, "DEFENDING ADDS 20 TO YOUR HEALTH");
-            break;
-        default: break;
+        for (const Message_Line &line : MESSAGES) {
+            for (const Message_Part &part : line.parts) {
+                if (line.message == BATTLE_MESSAGE && part.text != nullptr) {
+                    draw2DText(part.x, MESSAGE_Y, part.text);
+                }
+            }
         }
     }
     glPopMatrix();

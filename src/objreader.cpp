@@ -16,6 +16,10 @@ namespace {
 constexpr int LINE_BUFFER = 80;   // characters of a line read at a time, with the terminator
 constexpr int SHORTEST_LINE = 3;  // what the counting pass takes for a line, with its end
 constexpr double BOX_MARGIN = 0.1;
+// Below any vertex, where a search for the largest z would start. The first vertex sets the whole
+// box instead, so this shows only after a load that found none; the five other bounds are then
+// still the previous model's.
+constexpr float UNSET_MAX_Z = -3000;
 
 struct Counts {
     int vertices = 0;
@@ -231,7 +235,7 @@ void objReader::widenBox() {
 }
 
 void objReader::loadObj(const char *filename) {
-    maxZ = -3000;
+    maxZ = UNSET_MAX_Z;
     const File file(fopen(filename, "r"));
     if (!file) {
         error = OBJ_NOT_OPENED;

@@ -26,14 +26,20 @@ enum Obj_Error { OBJ_OK = 0, OBJ_COUNTS_DIFFER = 2, OBJ_NOT_OPENED = 4, OBJ_NO_M
 // missing ones. A face with an index outside an array that the file
 // has is dropped; where the file has no such array the index is never used.
 //
-// A last line of fewer than 3 characters is passed over by the pass that counts and not by
-// the one that fills: where it is a "v", "vn" or "vt" line, the counts differ. So they do where
-// the file changes between the passes; what it then has more than was counted is not kept.
+// The file is read twice: the first pass counts its lines, the second fills the arrays. Only the
+// first passes over lines shorter than 3 characters. Where such a line is "v ", "vn" or "vt", as
+// the last one of a file can be, or where the file changes between the passes, the counts
+// differ, which is an error. What was not counted is not kept.
 //
 // An object that has failed stays failed: later loads fill its arrays, but it
 // centres and draws nothing. Nothing is printed.
 class objReader {
 public:
+    objReader() = default;
+    // It owns its arrays.
+    objReader(const objReader &) = delete;
+    objReader &operator=(const objReader &) = delete;
+
     // Reads the file in place of the previous model and measures its box, widened
     // by a tenth of each bound's magnitude, outward. Sets `error` on failure.
     void loadObj(const char *filename);

@@ -8,14 +8,30 @@ struct Point {
     float x, y;
 };
 
-struct Panel {
-    Point corners[4];
+struct Colour {
+    float red, green, blue, alpha;
 };
+
+constexpr int CORNERS = 4;
+
+struct Panel {
+    Point corners[CORNERS];
+};
+
+// The edges of the window, before y is turned downward from the upper one.
+constexpr double LEFT_EDGE = -0.4;
+constexpr double RIGHT_EDGE = 1.2;
+constexpr double LOWER_EDGE = -0.4;
+constexpr double UPPER_EDGE = 1;
 
 constexpr int PANELS = 4;
 constexpr Point PANEL_ORIGIN = {0.9F, 0.3F};
 
-// Corners from PANEL_ORIGIN; the first two take the lower edge's colour.
+// Of the corners of every panel: two on the lower edge, two on the upper one.
+constexpr Colour PANEL_COLOURS[CORNERS] = {
+    {0.2F, 0, 0.5F, 0.95F}, {0.2F, 0, 0.5F, 0.95F}, {0, 0, 1, 0.95F}, {0, 0, 1, 0.95F}};
+
+// Corners from PANEL_ORIGIN, in the order of PANEL_COLOURS.
 // clang-format off
 constexpr Panel PANEL_TABLE[] = {
     {{{ 0.16F,  1.02F}, {-0.13F,  1.02F}, {-0.13F,  0.83F}, { 0.16F,  0.83F}}},  // STATUS_BOX
@@ -50,12 +66,9 @@ void drawPanel(const Panel &panel) {
         glTranslatef(PANEL_ORIGIN.x, PANEL_ORIGIN.y, 0);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE);
         glBegin(GL_QUADS);
-        for (int i = 0; i < 4; ++i) {
-            if (i < 2) {
-                glColor4f(0.2F, 0, 0.5F, 0.95F);
-            } else {
-                glColor4f(0, 0, 1, 0.95F);
-            }
+        for (int i = 0; i < CORNERS; ++i) {
+            const Colour &colour = PANEL_COLOURS[i];
+            glColor4f(colour.red, colour.green, colour.blue, colour.alpha);
             glVertex3f(panel.corners[i].x, panel.corners[i].y, 0);
         }
         glEnd();
@@ -71,9 +84,9 @@ void setOrthographicProjection() {
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
     glLoadIdentity();
-    gluOrtho2D(-0.4, 1.2, -0.4, 1.0);
+    gluOrtho2D(LEFT_EDGE, RIGHT_EDGE, LOWER_EDGE, UPPER_EDGE);
     glScalef(1, -1, 1);
-    glTranslatef(0, -1, 0);
+    glTranslatef(0, static_cast<float>(-UPPER_EDGE), 0);
     glMatrixMode(GL_MODELVIEW);
 }
 

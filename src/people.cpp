@@ -33,9 +33,11 @@ constexpr Person TOWNSPEOPLE[] = {
 constexpr float SCALE = 0.3F;               // of either model
 constexpr float TOWNSPERSON_HEIGHT = 0.7F;  // of the model's origin
 constexpr double FOOTPRINT_REACH = 0.5;
+constexpr float SHADOW_GREY = 0.5F;  // lighter than that of the scenery
+constexpr float ENEMY_COLOUR[3] = {0.5F, 0.1F, 0.1F};
 
 void shadowColour() {
-    glColor3f(0.5F, 0.5F, 0.5F);
+    glColor3f(SHADOW_GREY, SHADOW_GREY, SHADOW_GREY);
 }
 
 void registerFootprint(int code, int x, int z) {
@@ -55,7 +57,7 @@ void drawEnemy(const Person &enemy, bool shadowPass) {
         if (shadowPass) {
             shadowColour();
         } else {
-            glColor3f(0.5F, 0.1F, 0.1F);
+            glColor3f(ENEMY_COLOUR[0], ENEMY_COLOUR[1], ENEMY_COLOUR[2]);
         }
         poodle2.draw();
         glEnable(GL_TEXTURE_2D);

@@ -104,8 +104,13 @@ void drawPlayer() {
     glPopMatrix();
 }
 
-// Multiplies the frame by grey where a shadow falls on the ground. The first shadow on
-// a pixel takes its stencil value back to 0, so overlapping ones darken it only once.
+// Multiplies the frame by the colour of what casts the shadow: grey, and a lighter grey for the
+// people and the player. The first shadow on a pixel takes its stencil value back to 0, so
+// overlapping ones darken it only once.
+//
+// The poodles bring colours of their own for parts of the head. Nose, pupils and tongue leave
+// specks in these; the white parts darken nothing, and by the stencil nothing after them does
+// where they fall.
 void drawShadows() {
     glDisable(GL_LIGHTING);
     glEnable(GL_BLEND);
@@ -177,6 +182,7 @@ void displayCallback() {
         }
         drawTown();
     }
+    // Asked again: drawTitle may have started the game, and that frame has the panels too.
     if (status != TITLE) {
         drawBoxes();
     }

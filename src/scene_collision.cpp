@@ -29,7 +29,8 @@ constexpr float FIRST_GROUP_X = 80;
 constexpr float GROUP_STEP = -21;
 constexpr float FIRE_STEP = 0.0078125F;  // 1/128 of the fountain's size
 
-// A house of a group: its place from the group's and its footprint round it.
+// A house of a group: its place from the group's and its footprint round it. town.cpp draws it
+// there.
 struct House {
     float offsetX;
     double west;   // reach towards -x
@@ -49,6 +50,7 @@ struct Rectangle {
     double minX, maxX, minZ, maxZ;
 };
 
+// What landscape.cpp draws: where it draws each is told there.
 constexpr Rectangle SCENERY[] = {
     { -90,  -66,  -14,   14},   // castle body
     { -90,  -61, -2.5, -1.9},   // walls of the castle's approach

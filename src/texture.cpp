@@ -44,17 +44,13 @@ std::int64_t dataSize(int width, int height) {
     return area < 0 || area > INT64_MAX / 4 ? -1 : area * BYTES_PER_PIXEL;
 }
 
-// Room for the data and for the padding of its rows, which OpenGL takes for granted where
-// the width is not a multiple of 4. Null where there is not so much memory.
+// Null where there is not so much memory.
 Pixels allocatePixels(const Image &image) {
-    const std::int64_t size = dataSize(image.width, image.height);
-    if (size < 0) {
+    const std::size_t room = pixelRoom(image.width, image.height, PTRDIFF_MAX);
+    if (room == 0) {
         return nullptr;
     }
-    const std::int64_t rows = size > 0 ? std::abs(static_cast<std::int64_t>(image.height)) : 0;
-    const std::int64_t padding = ROW_ALIGNMENT * (rows + 1);
-    return Pixels(
-        static_cast<unsigned char *>(calloc(static_cast<std::size_t>(size + padding), 1)));
+    return Pixels(static_cast<unsigned char *>(calloc(room, 1)));
 }
 
 Image readImage(FILE *file, const char *filename) {
@@ -105,6 +101,16 @@ void upload(const Image &image) {
 }
 
 }  // namespace
+
+std::size_t pixelRoom(int width, int height, std::size_t limit) {
+    const std::int64_t size = dataSize(width, height);
+    if (size < 0) {
+        return 0;
+    }
+    const std::int64_t rows = size > 0 ? std::abs(static_cast<std::int64_t>(height)) : 0;
+    const auto room = static_cast<std::uint64_t>(size + ROW_ALIGNMENT * (rows + 1));
+    return room > limit ? 0 : static_cast<std::size_t>(room);
+}
 
 int LoadBitmap(const char *filename) {
     const File file(fopen(filename, "rb"));

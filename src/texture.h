@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 // Name of the texture object that LoadBitmap created last.
 extern unsigned num_texture;
 
@@ -11,7 +13,12 @@ extern unsigned num_texture;
 //
 // Neither the signature nor the data offset is looked at: the pixels are the
 // width x height x 3 bytes (blue, green, red) from byte 54 on, bottom row first,
-// without padding. Where the width is no multiple of 4, OpenGL, which expects padded rows,
-// shows them skewed; a negative product of
-// the sizes counts as pixels that do not fit, a product of 0 as unreadable ones.
+// without padding. OpenGL expects rows that are padded to a multiple of 4 bytes: a picture
+// whose width is no multiple of 4 is loaded, and shown skewed. Where just one of the sizes is
+// negative, the pixels count as too many for the memory; where one is 0, as unreadable.
 int LoadBitmap(const char *filename);
+
+// Bytes to set aside for the pixels of a picture of the given size: the pixels themselves, and
+// behind them what OpenGL reads beyond them for the padding that it expects. Never 0, but where
+// there is no such number or it is above `limit`.
+std::size_t pixelRoom(int width, int height, std::size_t limit);

@@ -8,7 +8,9 @@
 
 namespace {
 
-constexpr float HOUSE_CENTRE = 1.7F;  // height of a house model's origin
+// Height of a house model's origin. Its place on the ground and its footprint come from GROUP in
+// scene_collision.cpp.
+constexpr float HOUSE_CENTRE = 1.7F;
 
 // Places the modelview frame in house i and draws it.
 void drawHouse(unsigned i, unsigned list) {

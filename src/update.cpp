@@ -3,6 +3,7 @@
 #include <GL/glut.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "assets.h"
 #include "game_objects.h"
@@ -10,6 +11,10 @@
 #include "scene_collision.h"
 
 namespace {
+
+// Below zero the talk timer only counts, to no effect, until a talk sets it again: here it ends,
+// for want of a smaller number.
+constexpr int LOWEST_TALK_TIMER = std::numeric_limits<int>::min();
 
 void undoStep() {
     position[0] = positionold[0];
@@ -65,7 +70,7 @@ void runTalkTimer() {
     if (TalkTimer == 0 && IsTalkBool) {
         Menu = NO_OVERLAY;
         IsTalkBool = false;
-    } else {
+    } else if (TalkTimer > LOWEST_TALK_TIMER) {
         --TalkTimer;
     }
 }
@@ -100,12 +105,12 @@ void poseInTown() {
     poodle2.update(enemy_params);
 }
 
-// Steps a player into the pose and the poodle, restarting it at its end, which a
-// looping player has then already done once. True at the end.
-bool play(Interpolate &player, Params &pose, Poodle &dog) {
-    const bool ended = player.step(pose);
+// Steps an animation into the pose and the poodle, restarting it at its end, which a
+// looping one has then already done once. True at the end.
+bool play(Interpolate &animation, Params &pose, Poodle &dog) {
+    const bool ended = animation.step(pose);
     if (ended) {
-        player.reset();
+        animation.reset();
     }
     dog.update(pose);
     return ended;

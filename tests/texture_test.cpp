@@ -119,6 +119,17 @@ TEST_F(Assets, NoPixelsTakeNoRoom) {
 }
 #endif
 
+// Sizes whose product, cut to 32 bits, would be room for a small part of the pixels.
+TEST_F(Assets, PixelsBeyondTheMachinesSizesHaveNoRoom) {
+    EXPECT_EQ(pixelRoom(65537, 65537, INT32_MAX), 0U);
+    EXPECT_EQ(pixelRoom(-65537, -65537, INT32_MAX), 0U);
+    EXPECT_EQ(pixelRoom(1 << 16, 1 << 16, UINT32_MAX), 0U) << "0 bytes";
+    const std::size_t room = pixelRoom(3, 5, INT32_MAX);
+    EXPECT_GE(room, 5U * 12U) << "five rows of 9 bytes, padded";
+    EXPECT_EQ(pixelRoom(3, 5, room), room) << "the limit itself fits";
+    EXPECT_EQ(pixelRoom(3, 5, room - 1), 0U);
+}
+
 TEST_F(Assets, ModelsTakeTheirSlotsInOrder) {
     const Temp_File picture(Picture().file());
     const Temp_File model("v 0 0 0\nv 10 0 0\nv 0 10 0\nf 1 2 3\n");
