@@ -1,8 +1,8 @@
 #include "commands.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -28,9 +28,9 @@ constexpr int WINDOW[] = {1280, 1024};  // after "start town"
 
 std::ifstream printed;  // the program's standard output
 bool started = false;
-Lines lastNames;  // of the frame that was told last
-Lines lastPicture;
+Lines lastNames;  // as "show" told them last
 Lines lastScreen;
+Lines lastPicture;
 std::string lastLeft;
 
 // Where the word is looked up in the table; `what` says what it should have been.
@@ -71,37 +71,32 @@ void tellFaults() {
     }
 }
 
-// What the frame shows otherwise than the last one, and the names of what is gone.
-Lines news(const Lines &frame, const Lines &last) {
-    const auto isIn = [](const Lines &lines) {
-        return [&lines](const std::string &line) {
-            return std::find(lines.begin(), lines.end(), line) != lines.end();
-        };
-    };
-    // A line's name is its first field, without how many there are.
-    const auto namesOf = [](Lines lines) {
-        for (std::string &line : lines) {
-            line.erase(std::min(
-                line.find("  ", line.rfind('"') < line.size() ? line.rfind('"') : 2), line.size()));
-            if (const auto x = line.rfind(" x"); x < line.size() && isdigit(line[x + 2]) != 0) {
-                line.erase(x);
-            }
-        }
-        return lines;
-    };
-    Lines lines;
-    std::remove_copy_if(frame.begin(), frame.end(), std::back_inserter(lines), isIn(last));
-    const Lines names = namesOf(frame);
-    Lines before = namesOf(last);
-    before.erase(std::remove_if(before.begin(), before.end(), isIn(names)), before.end());
+// The first field of a line of a record, without how many there are.
+std::string nameOf(const std::string &line) {
+    const std::size_t quote = line.rfind('"');
+    std::string name = line.substr(0, line.find("  ", quote < line.size() ? quote : 2));
+    const std::size_t times = name.rfind(" x");
+    return times < name.size() && isdigit(name[times + 2]) != 0 ? name.substr(0, times) : name;
+}
+
+// Tells what these lines show otherwise than the last ones, and the names of what is gone.
+void tellNews(const Lines &lines, Lines &last) {
     std::string gone;
-    for (const std::string &name : before) {
-        gone += (gone.empty() ? "  gone: " : ", ") + name.substr(2);
+    for (const std::string &line : last) {
+        const std::string name = nameOf(line);
+        if (std::none_of(lines.begin(), lines.end(),
+                         [&name](const std::string &other) { return nameOf(other) == name; })) {
+            gone += (gone.empty() ? "  gone: " : ", ") + name.substr(2);
+        }
     }
+    std::remove_copy_if(lines.begin(), lines.end(), std::back_inserter(told),
+                        [&last](const std::string &line) {
+                            return std::find(last.begin(), last.end(), line) != last.end();
+                        });
     if (!gone.empty()) {
-        lines.push_back(gone);
+        told.push_back(gone);
     }
-    return lines;
+    last = lines;
 }
 
 unsigned char keyOf(const std::string &name) {
@@ -142,18 +137,15 @@ void step(const Words & /*words*/ = {}) {
 
 void show(const Words & /*words*/ = {}) {
     frame();
-    const Lines names = record::drawings(record::NAMES);
-    tell(news(names, lastNames));
-    lastNames = names;
+    tellNews(record::drawings(record::NAMES), lastNames);
 }
 
 void picture(const Words & /*words*/ = {}) {
     frame();
     Lines lines = record::drawings(record::RUNS);
     lines.push_back(record::leftBehind());
-    tell(news(lines, lastPicture));
+    tellNews(lines, lastPicture);
     tellFaults();
-    lastPicture = lines;
 }
 
 // Only what lies on the screen, over the world.
@@ -161,8 +153,7 @@ void screen(const Words & /*words*/ = {}) {
     frame();
     Lines lines = record::drawings(record::RUNS);
     std::erase_if(lines, [](const auto &line) { return line.find(" screen") > line.size(); });
-    tell(news(lines, lastScreen));
-    lastScreen = lines;
+    tellNews(lines, lastScreen);
 }
 
 void start(const Words &words) {
