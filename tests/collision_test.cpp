@@ -42,9 +42,9 @@ TEST(Collision, AnswersTheSecondFootprintsCodeWhereTheyMeet) {
     }
 }
 
-using Scene = Game_Test;
+using Footprints = Game_Test;
 
-TEST_F(Scene, FootprintsBeyondTheLastAreDropped) {
+TEST_F(Footprints, BeyondTheLastAreDropped) {
     while (collision_back < MAX_FOOTPRINTS) {
         appendFootprint(ENEMY, 0, 1, 0, 1);
     }

@@ -14,16 +14,19 @@
 
 namespace {
 
-constexpr float SMALLEST_AREA = 5e-7F;  // twice a triangle's, square model units: the anchors'
-constexpr double DARKEST = 8;           // mean of a picture's bytes, 0 to 255
-constexpr float SLACK = 0.05F;          // model units that no eye and no step notices
+// Twice the area of a triangle, square model units. The smallest ones that are meant are the
+// anchors, which only widen a model's box so that it is centred where it should be.
+constexpr float SMALLEST_AREA = 5e-7F;
+constexpr double DARKEST = 8;   // mean of a picture's bytes, 0 to 255
+constexpr float SLACK = 0.05F;  // model units that no eye and no step notices
 
 std::string path(const std::string &name) {
     return DATA_FOLDER "/" + name;
 }
 
-// No triangle of the model that was read last is turned away from its normals or without an
-// area, and all that was drawn is used: an index that is off mostly shows by one of these.
+// In the model that was read last, every triangle has an area and faces the side to which its
+// normals point, and every place and texture coordinate belongs to a triangle. A wrong index in the
+// file breaks one of these in most cases.
 void expectSoundFaces() {
     std::set<int> vertices;
     std::set<int> texCoords;

@@ -20,7 +20,8 @@ struct Global {
     std::string name;
     Place place;
     double start;
-    double seen;
+    double seen = 0;
+    bool watched = true;
 };
 
 double value(const Place &place) {
@@ -37,7 +38,7 @@ void assign(const Place &place, double value) {
 std::vector<Global> listAll() {
     std::vector<Global> all;
     const auto add = [&all](const std::string &name, const Place &place) {
-        all.push_back({name, place, value(place), 0});
+        all.push_back({name, place, value(place)});
     };
 #define NAMED(global) {#global, &(global)}
     const std::pair<const char *, Place> singles[] = {
@@ -80,7 +81,7 @@ std::string changes() {
     std::string all;
     for (Global &global : table()) {
         const double now = value(global.place);
-        if (now != global.seen) {
+        if (global.watched && now != global.seen) {
             all += (all.empty() ? "" : "  ") + global.name + ' ' + text(now);
         }
         global.seen = now;
@@ -97,9 +98,31 @@ void reset() {
     changes();
 }
 
-void set(const std::string &name, double value) {
-    const auto isNamed = [&name](const Global &global) { return global.name == name; };
-    assign(std::find_if(table().begin(), table().end(), isNamed)->place, value);
+void watchNone() {
+    for (Global &global : table()) {
+        global.watched = false;
+    }
+}
+
+bool watch(const std::string &name) {
+    bool found = false;
+    for (Global &global : table()) {
+        if (global.name == name || global.name.substr(0, global.name.find('.')) == name) {
+            found = global.watched = true;
+        }
+    }
+    return found;
+}
+
+bool set(const std::string &name, double value) {
+    const auto found = std::find_if(table().begin(), table().end(),
+                                    [&name](const Global &global) { return global.name == name; });
+    if (found == table().end()) {
+        return false;
+    }
+    assign(found->place, value);
+    found->seen = globals::value(found->place);
+    return true;
 }
 
 }  // namespace globals

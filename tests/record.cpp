@@ -1,8 +1,8 @@
 #include "record.h"
 
 #include <algorithm>
-#include <cmath>
-#include <map>
+#include <iterator>
+#include <utility>
 
 #include "assets.h"
 #include "globals.h"
@@ -19,14 +19,24 @@ using recording::Vertex;
 // Things that alternate in one scene: three houses and a fire.
 constexpr std::size_t LONGEST_ALTERNATION = 4;
 
+// What a corner counts in a sum, 1 to CYCLE by its number; each next part of its value counts
+// more, so that no two parts can change places.
+constexpr int STRIDE = 7;
+constexpr int CYCLE = 11;
+constexpr double NEXT_PART = 1.3;
+
+// The overlay coordinates of the middle of the screen, and from there to its right and upper edge.
+constexpr glm::vec3 MIDDLE = {0.4F, 0.7F, 0};
+constexpr glm::vec3 TO_EDGES = {0.8F, -0.7F, 1};
+
 // Means and weighted sums of values with up to four parts.
 class Sums {
 public:
     template <typename Vector>
     void add(const Vector &values) {
-        double weight = 1 + count * 7 % 11;
+        double weight = 1 + count * STRIDE % CYCLE;
         mean.resize(values.length());
-        for (int i = 0; i < values.length(); ++i, weight *= 1.3) {
+        for (int i = 0; i < values.length(); ++i, weight *= NEXT_PART) {
             mean[static_cast<std::size_t>(i)] += values[i];
             weighted += weight * values[i];
         }
@@ -49,9 +59,9 @@ private:
 
 struct Item {
     std::string name;
-    std::string state;
+    std::string state = {};
     int times = 0;
-    Sums place, colour, normal, texCoord;
+    Sums place = {}, colour = {}, normal = {}, texCoord = {};
 
     std::string print() const {
         return "  " + name + (times > 1 ? " x" + std::to_string(times) : "") + place.print("at") +
@@ -98,8 +108,7 @@ std::string stateText(const State &s) {
     const auto add = [&line](bool on, const std::string &words) { line += on ? ", " + words : ""; };
     const auto found = textures().find(s.texture);
     const Texture bound = found == textures().end() ? Texture() : found->second;
-    add(s.on[TEXTURING],
-        textureName(s.texture) + ' ' + s.environment + ' ' + bound.wrap[0] + ' ' + bound.wrap[1]);
+    add(s.on[TEXTURING], std::string(s.environment) + ' ' + bound.wrap[0] + ' ' + bound.wrap[1]);
     add(s.on[LIGHTING], std::string("lit ") + s.shading);
     add(s.on[LIGHTING] && !s.on[COLOR_MATERIAL], "without colour");
     add(s.on[LIGHTING] && !s.on[NORMALIZE], "without normalize");
@@ -113,17 +122,20 @@ std::string stateText(const State &s) {
     return "  [" + line.substr(std::min<std::size_t>(2, line.size())) + "]";
 }
 
-std::string thing(const Drawing &d, bool everyPart) {
+// Parts of poodles are what is drawn without a list, a texture or wires.
+std::string thing(const Drawing &d, Detail detail) {
+    const std::string where = onScreen(d.state) ? " screen" : "";
+    if (d.kind == recording::TEXT) {
+        return '"' + d.name + '"' + where;
+    }
+    if (d.state.on[recording::TEXTURING]) {
+        return textureName(d.state.texture) + ' ' +
+               (d.list != 0 ? listName(d.list) : d.name + where);
+    }
     if (d.list != 0) {
         return listName(d.list);
     }
-    if (d.kind == recording::TEXT) {
-        return '"' + d.name + '"';
-    }
-    if (d.state.on[recording::TEXTURING]) {
-        return textureName(d.state.texture) + ' ' + d.name;
-    }
-    return everyPart || onScreen(d.state) || d.name[0] == 'w' ? d.name : "parts";
+    return detail == PARTS || onScreen(d.state) || d.name[0] == 'w' ? d.name + where : "parts";
 }
 
 void add(Item &item, const Drawing &d) {
@@ -131,8 +143,7 @@ void add(Item &item, const Drawing &d) {
     for (const Vertex &v : d.vertices) {
         glm::vec3 p = v.position;
         if (onScreen(d.state)) {
-            p = recording::transform(d.state.projection, p);
-            p = {0.4F + 0.8F * p[0], 0.7F - 0.7F * p[1], p[2]};
+            p = MIDDLE + TO_EDGES * recording::transform(d.state.projection, p);
         }
         item.place.add(p);
         item.colour.add(v.colour);
@@ -146,19 +157,22 @@ void add(Item &item, const Drawing &d) {
 }
 
 // The item that the drawing repeats, or a new one.
-Item &itemFor(const Drawing &d, bool everyPart, std::vector<Item> &items) {
-    const std::string name = thing(d, everyPart) + (onScreen(d.state) ? " screen" : "");
-    const std::string state = stateText(d.state);
-    const bool single =
-        onScreen(d.state) || d.kind == recording::TEXT || (everyPart && d.kind == recording::SHAPE);
-    const std::size_t window = single ? 0 : everyPart ? 1 : LONGEST_ALTERNATION;
-    for (std::size_t back = 1; back <= std::min(window, items.size()); ++back) {
+Item &itemFor(const Drawing &d, Detail detail, std::vector<Item> &items) {
+    const std::string name = thing(d, detail);
+    const std::string state = detail == NAMES ? "" : stateText(d.state);
+    const bool single = onScreen(d.state) || d.kind == recording::TEXT ||
+                        (detail == PARTS && d.kind == recording::SHAPE);
+    const std::size_t among = detail == NAMES   ? items.size()
+                              : single          ? 0
+                              : detail == PARTS ? 1
+                                                : LONGEST_ALTERNATION;
+    for (std::size_t back = 1; back <= std::min(among, items.size()); ++back) {
         Item &item = items[items.size() - back];
         if (item.name == name && item.state == state) {
             return item;
         }
     }
-    return items.emplace_back(Item{name, state, 0, {}, {}, {}, {}});
+    return items.emplace_back(Item{.name = name, .state = state});
 }
 
 template <typename Vector>
@@ -170,33 +184,21 @@ std::string join(const Vector &values) {
     return line;
 }
 
-std::string clearText(const Drawing &d) {
-    return d.name + " to" + join(d.state.clearColour) + ' ' + std::to_string(d.state.clearStencil) +
-           " in" + join(d.state.viewport);
-}
-
 }  // namespace
 
-Lines drawings(bool everyPart) {
+Lines drawings(Detail detail) {
     std::vector<Item> items;
-    glm::dmat4 view(1);
     for (const Drawing &d : recording::drawings()) {
-        if (d.kind == recording::CLEAR || d.kind == recording::SWAP) {
-            items.push_back(
-                {d.kind == recording::SWAP ? d.name : clearText(d), "", 0, {}, {}, {}, {}});
-            continue;
+        if (d.kind == recording::SWAP) {
+            items.push_back({.name = d.name});
+        } else if (d.kind == recording::CLEAR) {
+            items.push_back({.name = d.name + "  to" + join(d.state.clearColour) + ' ' +
+                                     std::to_string(d.state.clearStencil)});
+        } else if (detail == NAMES) {
+            ++itemFor(d, detail, items).times;
+        } else {
+            add(itemFor(d, detail, items), d);
         }
-        if (!onScreen(d.state) && d.state.projection != view) {
-            view = d.state.projection;
-            items.push_back({"view" + join(view[0]) + join(view[1]) + join(view[2]) + join(view[3]),
-                             "",
-                             0,
-                             {},
-                             {},
-                             {},
-                             {}});
-        }
-        add(itemFor(d, everyPart, items), d);
     }
     Lines lines;
     std::transform(items.begin(), items.end(), std::back_inserter(lines),
@@ -204,18 +206,38 @@ Lines drawings(bool everyPart) {
     return lines;
 }
 
+Lines views() {
+    Lines lines;
+    for (const Drawing &d : recording::drawings()) {
+        if (d.kind == recording::CLEAR || d.kind == recording::SWAP || onScreen(d.state)) {
+            continue;
+        }
+        const glm::dmat4 rows = glm::transpose(d.state.projection);
+        const std::string line = "  view  x" + join(rows[0]) + "  y" + join(rows[1]) + "  z" +
+                                 join(rows[2]) + "  w" + join(rows[3]) + "  in" +
+                                 join(d.state.viewport);
+        if (lines.empty() || lines.back() != line) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
 std::string leftBehind() {
     const State &s = recording::state();
-    return "  left: colour" + join(s.colour) + "  normal" + join(s.normal) + "  " +
+    return "  left  colour" + join(s.colour) + "  normal" + join(s.normal) + "  texture " +
            textureName(s.texture) + "  blend " + s.blending[0] + ' ' + s.blending[1] +
            (s.matrixMode == GL_MODELVIEW ? "" : "  another matrix") +
            (s.modelview == glm::dmat4(1) ? "" : "  a placement") + stateText(s);
 }
 
 Lines objects() {
-    Lines lines;
+    const recording::Window &w = recording::window();
+    Lines lines = {"  window \"" + w.title + "\"  size " + std::to_string(w.size[0]) + ' ' +
+                   std::to_string(w.size[1]) + "  mode " + std::to_string(w.displayMode) +
+                   (w.fullScreen ? "  full screen" : "")};
     for (const recording::Light &light : recording::state().lights) {
-        lines.push_back("  light ambient" + join(light[recording::AMBIENT]) + "  diffuse" +
+        lines.push_back("  light  ambient" + join(light[recording::AMBIENT]) + "  diffuse" +
                         join(light[recording::DIFFUSE]) + "  specular" +
                         join(light[recording::SPECULAR]) + "  at" +
                         join(light[recording::POSITION]));
@@ -225,23 +247,35 @@ Lines objects() {
         for (std::size_t i = 0; i + 2 < t.pixels.size(); i += 3) {
             pixels.add(glm::ivec3(t.pixels[i], t.pixels[i + 1], t.pixels[i + 2]));
         }
-        lines.push_back("  texture " + textureName(name) + ' ' + std::to_string(t.width) + " by " +
-                        std::to_string(t.height) + ' ' + t.wrap[0] + ' ' + t.wrap[1] + ", " +
-                        t.filter[0] + ", " + t.filter[1] + (t.mipmaps ? "" : ", no mipmaps") +
-                        pixels.print("pixels"));
+        lines.push_back("  texture " + textureName(name) + "  size " + std::to_string(t.width) +
+                        ' ' + std::to_string(t.height) + "  wrap " + t.wrap[0] + ' ' + t.wrap[1] +
+                        "  filter " + t.filter[0] + ", " + t.filter[1] +
+                        (t.mipmaps ? "" : "  no mipmaps") + pixels.print("pixels"));
     }
     return lines;
 }
 
-Lines footprints(int first) {
+Lines footprints(unsigned first) {
     Lines lines;
-    for (auto i = static_cast<unsigned>(first); i < collision_back; ++i) {
+    for (unsigned i = first; i < collision_back; ++i) {
         const Collision_Object &f = collision_scene[i];
         lines.push_back("  footprint " + std::to_string(i) + "  kind " + std::to_string(f.kind) +
-                        " code " + std::to_string(f.code) + "  x " + text(f.minX) + " .. " +
-                        text(f.maxX) + "  z " + text(f.minZ) + " .. " + text(f.maxZ));
+                        "  code " + std::to_string(f.code) + "  minX " + text(f.minX) + "  maxX " +
+                        text(f.maxX) + "  minZ " + text(f.minZ) + "  maxZ " + text(f.maxZ));
     }
     return lines;
+}
+
+Lines footprints(unsigned first, unsigned last) {
+    Sums edges;
+    Sums kinds;
+    for (unsigned i = first; i <= last; ++i) {
+        const Collision_Object &f = collision_scene[i];
+        edges.add(glm::vec4(f.minX, f.maxX, f.minZ, f.maxZ));
+        kinds.add(glm::ivec2(f.kind, f.code));
+    }
+    return {"  footprints " + std::to_string(first) + " .. " + std::to_string(last) +
+            edges.print("edges") + kinds.print("kind")};
 }
 
 }  // namespace record

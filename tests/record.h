@@ -5,27 +5,38 @@
 
 // What the recording OpenGL has drawn, as text that a person can review.
 //
-// A line tells one thing, or a run of the same things in the same state: the name, how many,
-// then, of all their corners, the mean place, and for what the picture depends on the mean
-// colour, normal and texture coordinate; then the state in brackets. After each mean stands
-// "~" and a sum in which every corner counts otherwise, so that none can change unseen.
-// Things that alternate are told once, each with its number. Places are world units; those
-// of texts and panels on the screen are overlay coordinates, marked "screen".
+// A line is made of fields, two spaces apart. The first is the name of a thing, with its texture
+// before it if it has one, and how many there are; each of the others is a word and its values:
+// "at" the mean place of all corners, then the mean "colour", "normal" and "st" (the texture
+// coordinate), where the picture depends on them. After a mean stands "~" and the sum: each corner
+// counts otherwise in it, so that none can change unseen. The last field is the state, in brackets.
+// Places are in world units, those of texts and panels on the "screen" in overlay coordinates.
 namespace record {
 
 using Lines = std::vector<std::string>;
 
-// The drawings since the last recording::clear(). A poodle is one run of "parts"; with
-// `everyPart`, each ellipsoid and each kind of polygon is a run of its own.
-Lines drawings(bool everyPart);
+enum Detail {
+    NAMES,  // how many there are of everything, and no more
+    RUNS,   // a line for a run of the same things in the same state; alternating things make one
+            // run each, and so do all parts of poodles
+    PARTS   // a run for each ellipsoid, and for each kind of polygon between two
+};
+
+// What was drawn since the last recording::clear(), in the order in which it began.
+Lines drawings(Detail detail);
+
+// How the world was seen: the rows of the matrix from it to the screen, and the viewport. One line
+// in a good frame.
+Lines views();
 
 // What the last drawing left: colour, normal, bindings and the state in brackets.
 std::string leftBehind();
 
-// Lights, textures and display lists, as they are now.
+// The window, lights and textures, as they are now.
 Lines objects();
 
-// The footprints from number `first` on.
-Lines footprints(int first);
+// Each of the footprints from number `first` on; those up to `last` in one line.
+Lines footprints(unsigned first);
+Lines footprints(unsigned first, unsigned last);
 
 }  // namespace record

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtc/type_ptr.hpp>
+#include <type_traits>
 #include <utility>
 
 namespace recording {
@@ -212,11 +213,14 @@ using namespace recording;
 
 // --- Random numbers: Knuth's 64-bit linear congruence, its upper bits ---------------
 
-int rand() noexcept {
+// Some C libraries declare them noexcept, others don't.
+constexpr bool QUIET = std::is_same_v<decltype(rand), int() noexcept>;
+
+int rand() noexcept(QUIET) {
     randomState = randomState * 6364136223846793005U + 1442695040888963407U;
     return static_cast<int>(randomState >> 33U);
 }
-void srand(unsigned seed) noexcept { randomState = seed; }
+void srand(unsigned seed) noexcept(QUIET) { randomState = seed; }
 
 // --- Primitives and their attributes ----------------------------------------------
 

@@ -1,277 +1,77 @@
-// Plays recorded rounds of the whole program, from its start-up on, on the recording OpenGL,
+// Plays a recorded round of the whole program, from its start-up on, on the recording OpenGL,
 // and compares what happened with what is expected.
 //
-// Usage: rounds [--write] ROUND.txt...    --write: what happens is what is expected from now on
+// Usage: rounds [--write] ROUND.txt    --write: what happens is what is expected from now on
 //
 // A round is a script, a command a line, "# " starts a comment. Beside ROUND.txt lies
 // ROUND.expected: each command after a ">", followed by what it changed and showed.
 //
-// It is played in a folder with a copy of rounds/data: small data files, no two alike.
-// Before the start every line is a shell command, to spoil them; then comes
-//   start           run main up to its loop
+// It is played in a folder with a copy of rounds/data: small data files, no two alike. They can be
+// spoilt before the start:
+//   remove FILE... | cut FILE BYTES | write FILE WORD...    a word / ends a line
+// Then, or at any time:
+//   watch GLOBAL...  from now on, tells of these alone where they change, not of all
+//   start           runs main up to its loop
+//   start town      the same in a large window and on into the town, and tells nothing of it
 // Afterwards:
 //   press KEY [N] | release KEY [N]       key events; KEY is a character or its name
 //   tap KEY [N]     N times: press, release, one update
 //   hold KEY [N]    N times: press, one update; no release
 //   button left|middle|right down|up | motion X Y | reshape W H
 //   update [N] | frame [N]      the idle and the display callback
-//   turn [N]        N times both, as GLUT does
-//   set GLOBAL VALUE            puts the game somewhere without playing there
-//   show [all|screen]           draws a frame and tells all of it, or what it shows otherwise than
-//                               the last one told, or of that only what is on the screen
-//   draw SCENE      calls a drawing operation by itself and tells what it draws
-//   objects | footprints [FIRST]
-
-#include <sys/wait.h>
-#include <unistd.h>
+//   step [N]        N times both, as GLUT does
+//   set GLOBAL VALUE...         puts the game somewhere without playing there
+//   show            draws a frame and tells by name what is there now, or in other numbers, and
+//                   what is gone since the last one that was told
+//   screen          draws a frame and tells in full what the screen shows over the world otherwise
+//                   than the last one that was told
+//   picture         draws a frame and tells all of it that the last picture showed otherwise
+//   view            draws a frame and tells how the world is seen
+//   draw SCENE      calls a drawing operation by itself and tells all parts that it draws
+//   objects | footprints FIRST [LAST]       each, or all together
+//
+// A round tells in full what it is about and leaves the rest to the others: so that what is wrong
+// in one place fails few of them.
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
-#include <sstream>
+#include <stdexcept>
 
-#include "game_objects.h"
-#include "globals.h"
-#include "record.h"
+#include "commands.h"
+#include "compare.h"
 #include "recording_gl.h"
-#include "scenes.h"
 
 // The program's main, renamed for the tests.
 int talveryMain(int argc, char **argv);
 
 namespace {
 
+namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// A number may be off by as much as another compiler's or processor's arithmetic: the sums add
-// up thousands of rounded floats.
-constexpr double TOLERANCE = 0.002;
-constexpr double RELATIVE_TOLERANCE = 2e-7;
+constexpr int MISSPELT = 2;  // exit status
 
-// --- Playing -----------------------------------------------------------------------
-
-std::ofstream out;
-std::ifstream printed;  // the program's standard output
-
-void tell(const Lines &lines) {
-    for (const std::string &line : lines) {
-        out << line << '\n';
-    }
-}
-
-// Forgets what was drawn, and tells what was done wrong meanwhile.
-void clear() {
-    for (const std::string &fault : recording::faults()) {
-        out << "  FAULT " << fault << '\n';
-    }
-    recording::clear();
-}
-
-// What has changed, was printed and was done wrong since the last call.
-void tellChanges() {
-    if (const std::string changes = globals::changes(); !changes.empty()) {
-        out << "  " << changes << '\n';
-    }
-    std::fflush(stdout);
-    printed.clear();
-    for (std::string line; std::getline(printed, line);) {
-        out << "  printed: " << line << '\n';
-    }
-    clear();
-    out.flush();
-}
-
-unsigned char keyOf(const std::string &name) {
-    const std::map<std::string, unsigned char> names = {
-        {"Enter", 13}, {"Escape", 27}, {"space", ' '}};
-    const auto found = names.find(name);
-    return found == names.end() ? static_cast<unsigned char>(name[0]) : found->second;
-}
-
-// A callback asks for one redisplay, and draws nothing itself.
-template <typename... Arguments>
-void call(void (*callback)(Arguments...), std::common_type_t<Arguments>... arguments) {
-    clear();
-    callback(arguments...);
-    if (recording::redisplays() != 1 || !recording::drawings().empty()) {
-        out << "  FAULT asked for " << recording::redisplays() << " redisplays, drew "
-            << recording::drawings().size() << " things\n";
-    }
-}
-
-void frame() {
-    clear();
-    recording::window().display();
-    if (recording::drawings().back().kind != recording::SWAP || recording::redisplays() != 0) {
-        out << "  FAULT a frame ends with the swap\n";
-    }
-}
-
-void update() {
-    call(recording::window().idle);
-}
-
-// Tells of a frame what the last one told did not show, and what that showed and this does not.
-Lines news(const Lines &frame, const Lines &last) {
-    Lines lines;
-    std::copy_if(frame.begin(), frame.end(), std::back_inserter(lines), [&last](const auto &line) {
-        return std::count(last.begin(), last.end(), line) == 0;
-    });
-    const auto name = [](const std::string &line) { return line.substr(0, line.find("  ", 2)); };
-    for (const std::string &line : last) {
-        if (std::none_of(frame.begin(), frame.end(),
-                         [&](const auto &other) { return name(other) == name(line); })) {
-            lines.push_back("  gone:" + name(line));
-        }
-    }
-    return lines;
-}
-
-void show(const std::string &what) {
-    static Lines last;
-    frame();
-    Lines lines = record::drawings(false);
-    lines.push_back(record::leftBehind());
-    Lines told = what == "all" ? lines : news(lines, last);
-    if (what == "screen") {
-        std::erase_if(told, [](const auto &line) { return line.find(" screen") > line.size(); });
-    }
-    tell(told);
-    last = lines;
-}
-
-using Words = std::vector<std::string>;
-
-Words wordsOf(const std::string &line) {
-    std::istringstream stream(line);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
-// The i-th word as a number, 1 where there is none.
-int number(const Words &words, std::size_t i) {
-    return i < words.size() ? std::stoi(words[i]) : 1;
-}
-
-void press(const Words &words) {
-    call(recording::window().keyboard, keyOf(words.at(1)), 3, 4);
-}
-
-void release(const Words &words) {
-    call(recording::window().keyboardUp, keyOf(words.at(1)), 3, 4);
-}
-
-void button(const Words &words) {
-    const int which = words.at(1) == "left"     ? GLUT_LEFT_BUTTON
-                      : words.at(1) == "middle" ? GLUT_MIDDLE_BUTTON
-                                                : GLUT_RIGHT_BUTTON;
-    call(recording::window().mouse, which, words.at(2) == "down" ? GLUT_DOWN : GLUT_UP, 3, 4);
-}
-
-void drawScene(const Words &words) {
-    camera.setup();
-    scenes::draw(words.at(1));
-    tell(record::drawings(true));
-    out << record::leftBehind() << '\n';
-}
-
-constexpr std::size_t ONCE = 9;  // no command has so many words
-
-// What a command does, and which of its words says how often.
-// clang-format off
-const std::map<std::string, std::pair<std::function<void(const Words &)>, std::size_t>> COMMANDS = {
-    {"press",      {press, 2}},
-    {"release",    {release, 2}},
-    {"tap",        {[](const Words &w) { press(w); release(w); update(); }, 2}},
-    {"hold",       {[](const Words &w) { press(w); update(); }, 2}},
-    {"update",     {[](const Words &) { update(); }, 1}},
-    {"frame",      {[](const Words &) { frame(); }, 1}},
-    {"turn",       {[](const Words &) { update(); frame(); }, 1}},
-    {"button",     {button, ONCE}},
-    {"motion",     {[](const Words &w) {
-        call(recording::window().passiveMotion, number(w, 1), number(w, 2)); }, ONCE}},
-    {"reshape",    {[](const Words &w) {
-        recording::window().reshape(number(w, 1), number(w, 2)); }, ONCE}},
-    {"set",        {[](const Words &w) { globals::set(w.at(1), std::stod(w.at(2))); }, ONCE}},
-    {"show",       {[](const Words &w) { show(w.size() > 1 ? w[1] : ""); }, ONCE}},
-    {"draw",       {drawScene, ONCE}},
-    {"objects",    {[](const Words &) { tell(record::objects()); }, ONCE}},
-    {"footprints", {[](const Words &w) { tell(record::footprints(number(w, 1))); }, ONCE}},
+struct Command {
+    std::size_t line;  // of the script, from 1
+    std::string text;
 };
-// clang-format on
 
-// The next line of the script that is not empty; told. False at its end.
-bool next(std::istream &script, std::string &line) {
-    while (std::getline(script, line)) {
-        line.erase(std::min(line.find("# "), line.size()));
-        line.erase(line.find_last_not_of(' ') + 1);
-        if (!line.empty()) {
-            out << "> " << line << std::endl;
-            return true;
-        }
-    }
-    return false;
+bool writing = false;
+fs::path script;
+fs::path folder;  // where it is played
+std::vector<Command> commandsOfScript;
+std::size_t played = 0;  // of them, with the one that is playing
+
+fs::path expectedFile() {
+    return fs::path(script).replace_extension(".expected");
 }
 
-void play(const std::string &line) {
-    const Words words = wordsOf(line);
-    const auto &[action, times] = COMMANDS.at(words.at(0));
-    for (int i = 0; i < number(words, times); ++i) {
-        action(words);
-    }
-    tellChanges();
-}
-
-// Plays a script in `folder`; the record grows in the file "record" there. Does not return.
-[[noreturn]] void playRound(std::istream &script, const std::string &folder) {
-    std::filesystem::current_path(folder);
-    out.open("record");
-    if (std::freopen("printed", "w", stdout) == nullptr) {
-        std::exit(2);
-    }
-    printed.open("printed");
-    std::string line;
-    while (next(script, line) && line != "start") {
-        if (std::system(line.c_str()) != 0) {
-            std::exit(3);
-        }
-    }
-    recording::onMainLoop([&] {
-        const recording::Window &w = recording::window();
-        out << "  \"" << w.title << "\" " << w.size[0] << " by " << w.size[1] << ", mode "
-            << w.displayMode << (w.fullScreen ? ", full screen" : "") << '\n';
-        tellChanges();
-        while (next(script, line)) {
-            play(line);
-        }
-    });
-    char program[] = "talvery";
-    char *arguments[] = {program, nullptr};
-    std::exit(talveryMain(1, arguments) == 0 ? 99 : 1);
-}
-
-// --- Comparing ---------------------------------------------------------------------
-
-bool sameWord(const std::string &a, const std::string &b) {
-    char *endA = nullptr;
-    char *endB = nullptr;
-    const double x = std::strtod(a.c_str(), &endA);
-    const double y = std::strtod(b.c_str(), &endB);
-    const bool numbers = !a.empty() && !b.empty() && *endA == '\0' && *endB == '\0';
-    return a == b || (numbers && std::fabs(x - y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(x));
-}
-
-bool sameLine(const std::string &a, const std::string &b) {
-    const Words wordsA = wordsOf(a);
-    const Words wordsB = wordsOf(b);
-    return std::equal(wordsA.begin(), wordsA.end(), wordsB.begin(), wordsB.end(), sameWord);
-}
-
-Lines readLines(const std::string &path) {
+Lines readLines(const fs::path &path) {
     std::ifstream file(path);
     Lines lines;
     for (std::string line; std::getline(file, line);) {
@@ -280,79 +80,127 @@ Lines readLines(const std::string &path) {
     return lines;
 }
 
-// Tells where the record first leaves what is expected, and after which step; true where it
-// doesn't.
-bool compare(const std::string &name, Lines expected, Lines actual) {
+void readScript() {
+    const Lines lines = readLines(script);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        std::string text = lines[i];
+        text.erase(std::min(text.find("# "), text.size()));
+        text.erase(text.find_last_not_of(' ') + 1);
+        if (!text.empty()) {
+            commandsOfScript.push_back({i + 1, text});
+        }
+    }
+}
+
+// The command of this number, from 1, as a message begins: "town.txt:12: press w".
+std::string at(std::size_t number) {
+    if (number == 0) {
+        return script.string() + ": before its first command";
+    }
+    const Command &command = commandsOfScript[number - 1];
+    return script.string() + ':' + std::to_string(command.line) + ": " + command.text;
+}
+
+constexpr int CRASHES[] = {SIGSEGV, SIGABRT, SIGFPE};
+std::map<int, struct sigaction> defaults;  // what these signals did before
+
+// Names the command at which the program crashed; then it crashes as it would have.
+void crashed(int signal) {
+    std::cerr << at(played) << "\nThe program crashed here.\n";
+    sigaction(signal, &defaults.at(signal), nullptr);
+}
+
+// Plays the next command.
+void play() {
+    try {
+        commands::play(commandsOfScript[played++].text);
+    } catch (const std::exception &wrong) {
+        std::cerr << at(played) << '\n' << wrong.what() << '\n';
+        fs::remove_all(folder);
+        std::_Exit(MISSPELT);
+    }
+}
+
+// Tells where the record first leaves what is expected; true where it doesn't.
+bool isExpected(Lines actual) {
+    Lines expected = readLines(expectedFile());
     const std::size_t lines = std::max(expected.size(), actual.size());
     expected.resize(lines, "(nothing more)");
     actual.resize(lines, "(nothing more)");
     const auto [wanted, got] =
-        std::mismatch(expected.begin(), expected.end(), actual.begin(), sameLine);
+        std::mismatch(expected.begin(), expected.end(), actual.begin(), compare::same);
     if (wanted == expected.end()) {
         return true;
     }
-    const auto step = std::find_if(std::reverse_iterator(wanted), expected.rend(),
-                                   [](const std::string &line) { return line[0] == '>'; });
-    std::cout << name << ", line " << wanted - expected.begin() + 1 << ", after \""
-              << (step == expected.rend() ? "" : step->substr(2)) << "\"\n  expected " << *wanted
-              << "\n  actual   " << *got
+    const auto command = static_cast<std::size_t>(
+        std::count_if(actual.begin(), std::min(got + 1, actual.end()),
+                      [](const std::string &line) { return line[0] == '>'; }));
+    std::cerr << at(command) << '\n'
+              << expectedFile().string() << ':' << wanted - expected.begin() + 1 << ": "
+              << compare::difference(*wanted, *got)
               << "\nLook at this step of the game. If the change is wanted, build write_rounds and "
                  "review the difference.\n";
     return false;
 }
 
-bool runRound(const std::string &script, bool write) {
-    const std::filesystem::path path = std::filesystem::absolute(script);
-    const std::filesystem::path expected =
-        std::filesystem::path(path).replace_extension(".expected");
-    std::ifstream file(script);
-    std::string folder = std::filesystem::temp_directory_path() / "talvery_round_XXXXXX";
-    if (!file || mkdtemp(folder.data()) == nullptr) {
-        std::cout << "can't play " << script << '\n';
-        return false;
+// When the program ends: by a key of the script, or after its last command.
+void finish() {
+    bool good = true;
+    if (played < commandsOfScript.size()) {
+        std::cerr << at(played) << "\nThe program ended here; " << commandsOfScript.size() - played
+                  << " commands were not reached.\n";
+        good = false;
+    } else if (writing) {
+        std::ofstream file(expectedFile());
+        for (const std::string &line : commands::told) {
+            file << line << '\n';
+        }
+    } else {
+        good = isExpected(commands::told);
     }
-    std::filesystem::copy(path.parent_path() / "data", folder);
-    std::cout.flush();
-    const pid_t player = fork();
-    if (player == 0) {
-        playRound(file, folder);
+    fs::remove_all(folder);
+    if (!good) {
+        std::_Exit(EXIT_FAILURE);
     }
-    int result = 0;
-    waitpid(player, &result, 0);
-    const std::string record = folder + "/record";
-    std::ofstream(record, std::ios::app)
-        << (WIFEXITED(result) ? "ended with status " + std::to_string(WEXITSTATUS(result))
-                              : "ended by signal " + std::to_string(WTERMSIG(result)))
-        << '\n';
-    const Lines actual = readLines(record);
-    const bool same = compare(expected.stem(), readLines(expected), actual);
-    auto unplayed = -std::count_if(actual.begin(), actual.end(),
-                                   [](const std::string &line) { return line[0] == '>'; });
-    std::ifstream whole(script);
-    for (std::string line; next(whole, line);) {
-        ++unplayed;
-    }
-    if (unplayed != 0) {
-        std::cout << expected.stem() << ": " << unplayed << " commands were not reached\n";
-    }
-    if (write && !same) {
-        std::filesystem::copy_file(record, expected,
-                                   std::filesystem::copy_options::overwrite_existing);
-    }
-    std::filesystem::remove_all(folder);
-    return (same || write) && unplayed == 0;
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-    Lines scripts(argv + 1, argv + argc);
-    const bool write = !scripts.empty() && scripts[0] == "--write";
-    if (write) {
-        scripts.erase(scripts.begin());
+    writing = argc == 3 && std::string(argv[1]) == "--write";
+    if (argc != (writing ? 3 : 2)) {
+        std::cerr << "Usage: rounds [--write] ROUND.txt\n";
+        return MISSPELT;
     }
-    const auto same = std::count_if(scripts.begin(), scripts.end(), [write](const auto &script) {
-        return runRound(script, write);
+    script = fs::absolute(argv[argc - 1]);
+    for (const fs::path &needed : {script, writing ? script : expectedFile()}) {
+        if (!fs::is_regular_file(needed)) {
+            std::cerr << needed.string() << ": there is no such file\n";
+            return MISSPELT;
+        }
+    }
+    readScript();
+    std::string name = fs::temp_directory_path() / "talvery_round_XXXXXX";
+    folder = mkdtemp(name.data());
+    fs::copy(script.parent_path() / "data", folder);
+    fs::current_path(folder);
+    commands::capturePrinted();
+    std::atexit(finish);
+    for (const int signal : CRASHES) {
+        struct sigaction action = {};
+        action.sa_handler = crashed;
+        sigaction(signal, &action, &defaults[signal]);
+    }
+    while (commandsOfScript.at(played).text.rfind("start", 0) != 0) {
+        play();
+    }
+    recording::onMainLoop([] {
+        while (played < commandsOfScript.size()) {
+            play();
+        }
+        commands::told.emplace_back("the script ended");
     });
-    return same == static_cast<std::ptrdiff_t>(scripts.size()) && same > 0 ? 0 : 1;
+    char program[] = "talvery";
+    char *arguments[] = {program, nullptr};
+    return talveryMain(1, arguments);
 }

@@ -2,6 +2,8 @@
 
 #include <GL/glut.h>
 
+#include <array>
+#include <bit>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -20,13 +22,14 @@
 namespace scenes {
 namespace {
 
-void drawPoodle(float bend) {
-    Params pose = {};  // every joint bent by another angle
-    for (int i = 0; i < POSE_VALUES; ++i) {
-        (&pose.pos_x)[i] = bend * static_cast<float>(i < 3 ? i + 1 : 2 * i + 2);
+// Every joint is bent by another angle.
+void drawPoodle() {
+    std::array<float, POSE_VALUES> pose;
+    for (std::size_t i = 0; i < pose.size(); ++i) {
+        pose[i] = static_cast<float>(i < 3 ? i + 1 : 2 * i + 2);
     }
     Poodle dog;
-    dog.update(pose);
+    dog.update(std::bit_cast<Params>(pose));
     glColor3f(1, 0, 0);
     dog.draw();
 }
@@ -65,8 +68,7 @@ const std::map<std::string, std::function<void()>> SCENES = {
     {"cone-tip-up",    [] { drawCylinder(1, 0, 2, 8); }},
     {"cone-tip-down",  [] { drawCylinder(0, 1, 2, 8); }},
     {"no-cylinder",    [] { drawCylinder(1, 1, 1, -3); }},
-    {"poodle-at-rest", [] { drawPoodle(0); }},
-    {"poodle-bent",    [] { drawPoodle(1); }},
+    {"poodle",         drawPoodle},
     {"flames-red",     [] { drawFountain(3, 0, 60); }},
     {"flames-green",   [] { drawFountain(3, 1, 60); }},
     {"flames-blue",    [] { drawFountain(3, 2, 60); }},
@@ -90,8 +92,13 @@ const std::map<std::string, std::function<void()>> SCENES = {
 
 }  // namespace
 
-void draw(const std::string &name) {
-    SCENES.at(name)();
+bool draw(const std::string &name) {
+    const auto scene = SCENES.find(name);
+    if (scene == SCENES.end()) {
+        return false;
+    }
+    scene->second();
+    return true;
 }
 
 }  // namespace scenes

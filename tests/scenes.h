@@ -5,7 +5,7 @@
 // Drawing operations called by themselves, as the game doesn't.
 namespace scenes {
 
-// Draws the scene of this name; ends the test program if there is none.
-void draw(const std::string &name);
+// Draws the scene of this name. False if there is none.
+bool draw(const std::string &name);
 
 }  // namespace scenes

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Compares the lines of two records: see record.h for the fields that a line is made of.
+namespace compare {
+
+// Whether two lines say the same. A number may be off by as much as another compiler's or
+// processor's arithmetic.
+bool same(const std::string &a, const std::string &b);
+
+// In which words the lines differ: "parts x1551: normal sum 112.2216 -> 209.3". Both lines, one
+// below the other, where they begin otherwise and so tell different things.
+std::string difference(const std::string &expected, const std::string &actual);
+
+// The words between spaces.
+std::vector<std::string> wordsOf(const std::string &text);
+
+// Reads a number that is the whole word. False if it isn't one.
+bool readNumber(const std::string &word, double &number);
+
+}  // namespace compare
