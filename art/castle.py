@@ -12,8 +12,9 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 
 import numpy as np
 
-from building import DETAIL, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, centred, ears, outward
-from shared import PALETTE, SEED, blur, box, loft, mix, rgb, ring, smoothstep, write_bmp
+from building import (SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, ashlar, blot, centred, cut_out, ears, limb,
+                      outward, solid)
+from shared import PALETTE, blur, box, loft, mix, rgb, ring, smoothstep, write_bmp
 
 GROUND = -1.567
 SIZE, BORDER = 1024, 4
@@ -26,6 +27,7 @@ FRONT, BACK, SIDE = 3.60, -2.50, 3.78
 GATE_X, GATE_HALF, GATE_TOP, GATE_ARCH, GATE_ARCH_TOP = 4.12, 0.86, 2.35, 0.50, 1.45
 COPING, PROUD = 0.16, 0.035      # width of the dressed stones, how far they stand out at the gate
 LAMP_Z, LAMP_Y = 0.75, 1.24
+SEAT = 0.11                      # by so much the throne stands lower than it is painted
 
 STONES = [PALETTE["stone"] * 1.3, rgb("9c8f86"), rgb("827b85"), rgb("a5948a"), PALETTE["stone"] * 1.1]
 FRAME = rgb("6d5f5a")
@@ -35,92 +37,12 @@ PLUMS = [PALETTE["plum"] * 1.35, PALETTE["plum"] * 1.05, TILE_RED * 1.05, rgb("7
 
 # The picture ------------------------------------------------------------------
 
-class Wall(Panel):
-    """A panel that works out only the rows of its noise that it shows: strips are long and low."""
-
-    def grain(self, cell, seed, stretch=1.0, octaves=3):
-        rows, columns = self.x.shape
-        side = max(rows, columns)
-        cells = max(1, round(side / (self.density * DETAIL) / cell))
-        rng = np.random.default_rng(SEED * 1000 + self.seed * 40 + seed)
-        total, weight = np.zeros((rows, columns)), 0.0
-        for octave in range(octaves):
-            n = cells << octave
-            lattice = rng.random((n, n))
-            y = (np.arange(rows) / stretch + 0.5) / side * n
-            x = (np.arange(columns) + 0.5) / side * n
-            y0, x0 = np.floor(y).astype(int), np.floor(x).astype(int)
-            fy, fx = smoothstep(0, 1, y - y0)[:, None], smoothstep(0, 1, x - x0)[None, :]
-            low, high = lattice[y0 % n], lattice[(y0 + 1) % n]
-            along = lambda line: line[:, x0 % n] * (1 - fx) + line[:, (x0 + 1) % n] * fx
-            total += (along(low) * (1 - fy) + along(high) * fy) * 0.5 ** octave
-            weight += 0.5 ** octave
-        return total / weight
-
-
 def strip(height, density, seed, columns=SIZE):
     """A wall as long as the picture is wide; it goes on from its right end to its left."""
-    return Wall(columns / density, height, density, seed)
+    return Panel(columns / density, height, density, seed)
 
 
-def ashlar(panel, seed, course=COURSE, lengths=STONE, joint=0.013, bevel=0.026, colours=None, rough=1.0):
-    """Courses of dressed stones with worn edges, lit from the upper left; whole courses, ends that meet."""
-    colours = STONES if colours is None else colours
-    rng = np.random.default_rng(SEED * 900 + seed)
-    pixel = 1.0 / panel.density
-    joint, bevel = max(joint, 0.9 * pixel), max(bevel, 1.6 * pixel)
-    wide, tall = panel.width, panel.height
-    ragged = 0.016 * rough
-    x = panel.x + 0.03 * (panel.grain(0.6, 61) - 0.5) + ragged * (panel.grain(0.045, 62) - 0.5)
-    y = panel.y + 0.03 * (panel.grain(0.7, 63) - 0.5) + ragged * (panel.grain(0.045, 64) - 0.5)
-
-    def cuts(length, count, uneven):
-        parts = rng.uniform(1 - uneven, 1 + uneven, count)
-        return np.concatenate([[0], np.cumsum(parts)]) * length / parts.sum()
-
-    edges = cuts(tall, max(1, round(tall / course)), 0.16)
-    row = np.clip(np.searchsorted(edges, y) - 1, 0, len(edges) - 2)
-    inside, tone = np.zeros_like(x), np.zeros(x.shape + (3,))
-    rise, kind = np.zeros_like(x), np.zeros_like(x)
-    for r in range(len(edges) - 1):
-        here = row == r
-        count = max(2, round(2 * wide / sum(lengths)))
-        ends = cuts(wide, count, (lengths[1] - lengths[0]) / sum(lengths))
-        along = (x[here] + wide / 2 + rng.random() * wide) % wide
-        k = np.clip(np.searchsorted(ends, along) - 1, 0, count - 1)
-        aside = np.minimum(along - ends[k], ends[k + 1] - along)
-        level = np.minimum(y[here] - edges[r], edges[r + 1] - y[here])
-        corner = 0.035
-        straight = np.minimum(aside, level)
-        rounded = corner - np.hypot(np.maximum(corner - aside, 0), np.maximum(corner - level, 0))
-        inside[here] = np.minimum(straight, np.where(straight < corner, rounded, straight))
-        tones = np.array([Panel.stone_tone(rng, colours) for _ in range(count)])
-        tone[here] = tones[k]
-        kind[here] = rng.random(count)[k]
-        rise[here] = (y[here] - edges[r]) / (edges[r + 1] - edges[r])
-    edge = inside - joint / 2
-    chips = panel.grain(0.10, 65)
-    fine = panel.grain(0.028, 66, octaves=2)
-    pits = smoothstep(0.68, 0.80, panel.grain(0.035, 67, octaves=2)) * rough
-    # A height in units: bevelled sides, a hewn face; its slopes catch the light.
-    height = 0.5 * bevel * smoothstep(0.0, bevel, edge) + rough * (0.012 * chips + 0.0035 * fine - 0.004 * pits) * smoothstep(0.0, bevel * 2, edge)
-    step = pixel / 2
-    up, right = -np.gradient(height, step, axis=0), (np.roll(height, -1, 1) - np.roll(height, 1, 1)) / (2 * step)
-    light = 1 + np.clip(-0.62 * up, -0.42, 0.40) + np.clip(0.30 * right, -0.18, 0.16)
-    light += 0.10 * (rise - 0.5)
-    face = tone * light[..., None] * (1 + 0.26 * rough * (chips - 0.5) + 0.20 * rough * (fine - 0.5))[..., None]
-    face = face * (1 - 0.26 * pits)[..., None]
-    vein = np.abs(panel.grain(0.22, 68, octaves=4) - 0.5)
-    crack = smoothstep(0.016, 0.004, vein) * (kind > 0.72) * smoothstep(0.2, 0.5, panel.grain(0.5, 69))
-    face = face * (1 - 0.5 * crack * rough)[..., None]
-    bed = PALETTE["stone_dark"] * 0.64 * (0.8 + 0.5 * fine)[..., None]
-    solid = smoothstep(-0.55 * pixel, 0.75 * pixel, edge)
-    panel.picture = mix(bed, face, solid)
-    panel.edge, panel.fine = edge, fine
-    return panel
-
-
-def weathered(panel, seed):
+def weathered(panel):
     """Stains that run down and broad differences of tone."""
     stain = smoothstep(0.50, 0.75, panel.grain(0.9, 3))
     panel.shade(stain * 0.6, np.array((0.80, 0.78, 0.84)))
@@ -130,8 +52,13 @@ def weathered(panel, seed):
     return panel
 
 
+def hewn(panel):
+    """A panel of the castle's common masonry."""
+    return weathered(ashlar(panel, panel.seed, COURSE, STONE, STONES))
+
+
 def masonry(height, density, seed, columns=SIZE):
-    return weathered(ashlar(strip(height, density, seed, columns), seed), seed)
+    return hewn(strip(height, density, seed, columns))
 
 
 def slit(panel, x, y, width=0.20, height=0.46):
@@ -246,7 +173,7 @@ def coping():
 
 def gate_front():
     """The wall over the gate, from the string course up."""
-    panel = weathered(ashlar(Wall(1.74, GATE_TOP + 0.02 - LOW, 160, 12), 12), 12)
+    panel = hewn(Panel(1.74, GATE_TOP + 0.02 - LOW, 160, 12))
     away = np.hypot(panel.x, panel.y - (GATE_ARCH_TOP - GATE_ARCH - LOW))
     panel.shade(smoothstep(GATE_ARCH + 0.26, GATE_ARCH + 0.14, away), 0.58)   # under the arch's ring
     for side in (-1, 1):
@@ -280,55 +207,162 @@ def paw(panel, x, y, size, colour, shift=0.0):
         panel.blend(smoothstep(r * size + 0.6 * pixel, r * size - 0.6 * pixel, away), colour)
 
 
-def portcullis():
-    """A grating of round iron bars before a lit passage, its teeth above the threshold."""
+def throne_room():
+    """What shows behind the grating: a vaulted hall, and on his throne the king, a white poodle."""
     panel = Panel(1.08, 1.48, 190, 14)
+    panel.y += SEAT
+    panel.sway_y += SEAT
     x, y = panel.x, panel.y
-    # The passage: flags, walls that run to a bright court.
-    depth = np.hypot(x * 1.35, y - 0.50)
-    panel.picture = mix(rgb("ffe7a0"), rgb("f0a24a"), smoothstep(0.05, 0.34, depth))
-    panel.picture = mix(panel.picture, rgb("a3542a"), smoothstep(0.30, 0.62, depth))
-    panel.picture = mix(panel.picture, rgb("4d2622"), smoothstep(0.55, 1.05, depth))
-    arch = np.where(y > 0.62, np.hypot(x, y - 0.62) - 0.17, np.abs(x) - 0.17)
-    ribs = np.log(np.maximum(arch + 0.17, 0.02) / 0.17) / 0.42
-    edge = np.abs(ribs - np.round(ribs))
-    outside = smoothstep(0.0, 0.03, arch) * smoothstep(0.28, 0.34, y)
-    panel.shade(outside * smoothstep(0.10, 0.04, edge), 0.72)
-    panel.glow(outside * smoothstep(0.05, 0.10, edge) * smoothstep(0.20, 0.12, edge) * 0.25, PALETTE["glow"])
-    fan = np.arctan2(x, 0.50 - y + 0.10) / 0.26
-    floor = smoothstep(0.40, 0.36, y)
-    run = 0.22 / np.maximum(0.47 - y, 0.02)
-    joint = np.minimum(np.abs(fan - np.round(fan)) * 0.30 * (0.55 - y), np.abs(run * 2.0 - np.round(run * 2.0)) * (0.47 - y) ** 2 * 1.6)
-    panel.shade(floor * smoothstep(0.012, 0.005, joint), 0.62)
-    panel.shade(smoothstep(0.30, 0.0, y) * 0.8, 0.55)
+    away = np.hypot(x * 1.1, y - 0.88)
+    panel.picture = mix(rgb("ffe9a8"), rgb("f4b055"), smoothstep(0.22, 0.50, away))
+    panel.picture = mix(panel.picture, rgb("b5602e"), smoothstep(0.45, 0.85, away))
+    vault = np.hypot(x, np.maximum(y - 0.72, 0)) / 0.115
+    rib = np.abs(vault - np.round(vault))
+    hall = smoothstep(0.28, 0.30, y) * smoothstep(0.28, 0.32, np.hypot(x, np.maximum(y - 0.72, 0)))
+    panel.shade(hall * smoothstep(0.20, 0.10, rib), 0.78)
+    panel.glow(hall * smoothstep(0.24, 0.36, rib) * 0.14, PALETTE["glow"])
+    throne_floor(panel)
+    for side in (-1, 1):
+        candles(panel, side * 0.435)
+    throne(panel)
+    king(panel)
+    return panel
 
-    def bar(away, half, lit):
-        """A round iron: shaded across, a warm rim on the court's side."""
-        mask = smoothstep(half + 0.003, half - 0.003, np.abs(away))
-        across = away / half
-        tone = 0.75 + 0.75 * np.sqrt(np.clip(1 - (across + lit) ** 2, 0, 1)) * 0.6
-        iron = rgb("2a2529") * tone[..., None] + rgb("c9702e") * (0.35 * smoothstep(0.45, 0.95, np.abs(across)))[..., None]
-        panel.blend(mask * grate, iron)
 
-    grate = smoothstep(0.338, 0.344, y)
-    step_x, step_y = 0.18, 0.215
-    away_x, away_y = x - np.round(x / step_x) * step_x, (y - 0.44) - np.round((y - 0.44) / step_y) * step_y
-    panel.shade(smoothstep(0.05, 0.02, np.minimum(np.abs(away_x), np.abs(away_y) + 9 * (y < 0.40))) * grate, 0.6)
-    above = smoothstep(0.40, 0.405, y)
-    grate = smoothstep(0.338, 0.344, y) * above
-    bar(away_y, 0.024, -0.3)
-    grate = np.ones_like(y)
-    taper = np.clip((y - 0.30) / 0.09, 0, 1)               # the bars end in points
-    mask_half = 0.027 * taper
-    bar(np.where(taper > 0.02, away_x / np.maximum(taper, 0.02), 9.0), 0.027, 0.3)
-    knot = np.hypot(away_x, away_y) - 0.036
-    panel.blend(smoothstep(0.003, -0.003, knot) * above, rgb("3d353a") * (0.9 + 0.5 * smoothstep(-0.02, 0.03, away_y - away_x))[..., None])
+def throne_floor(panel):
+    """Flags that run to the dais, three steps, and a red carpet over them all."""
+    x, y = panel.x, panel.y
+    joint = np.abs(x / (0.75 - y) / 0.26 - np.round(x / (0.75 - y) / 0.26)) * 0.15
+    floor = mix(rgb("c98a48"), rgb("94592f"), smoothstep(0.1, 0.5, np.abs(x)))
+    floor = floor * (1 - 0.4 * smoothstep(0.012, 0.005, joint))[..., None]
+    panel.blend(smoothstep(0.215, 0.205, y), floor)
+    for k, (foot, half) in enumerate(((0.20, 0.40), (0.26, 0.36), (0.32, 0.32))):
+        step = panel.box_distance(-half, foot, half, foot + 0.06)
+        tread = smoothstep(foot + 0.034, foot + 0.046, panel.sway_y)
+        panel.shade(smoothstep(0.04, 0.0, step), 0.6)
+        panel.blend(solid(step), mix(rgb("9a7355"), rgb("ecd0a0"), tread))
+    wide = 0.13 + 0.75 * np.maximum(0.20 - y, 0)
+    edge = np.abs(x) - wide
+    carpet = smoothstep(0.006, -0.006, edge) * smoothstep(0.385, 0.375, y)
+    tread = ((y - 0.20) / 0.06) % 1
+    tone = np.where(y > 0.20, 0.72 + 0.5 * smoothstep(0.52, 0.72, tread), 1.0)
+    panel.blend(carpet, rgb("a3263a") * tone[..., None])
+    panel.blend(carpet * smoothstep(0.008, 0.004, np.abs(edge + 0.022)), PALETTE["glow"] * tone[..., None])
+
+
+def candles(panel, x):
+    """A tall stand with three lights."""
+    iron = rgb("6a4424")
+    stand = np.minimum.reduce([panel.box_distance(x - 0.010, 0.24, x + 0.010, 0.86), blot(panel, x, 0.235, 0.05, 0.02),
+                               panel.box_distance(x - 0.062, 0.80, x + 0.062, 0.82), blot(panel, x, 0.56, 0.02, 0.02)])
+    panel.blend(solid(stand), iron)
+    for dx, top in ((-0.055, 0.0), (0.055, 0.0), (0.0, 0.05)):
+        panel.blend(solid(panel.box_distance(x + dx - 0.012, 0.82, x + dx + 0.012, 0.90 + top)), PALETTE["cream"])
+        panel.glow(0.9 * np.exp(-np.hypot(panel.x - x - dx, panel.y - 0.93 - top) / 0.055), rgb("ffd070"))
+        panel.blend(solid(blot(panel, x + dx, 0.935 + top, 0.013, 0.030)), rgb("fffbe0"))
+
+
+def throne(panel):
+    """A high back of plum velvet in a gold frame, with arms."""
+    gold, dark = PALETTE["glow"] * 0.95, rgb("7a4a1c")
+    x, y = panel.sway_x, panel.sway_y
+    back = np.maximum(np.where(y > 1.07, np.hypot(x, y - 1.07), np.abs(x)) - 0.31, 0.36 - y)
+    panel.shade(smoothstep(0.10, 0.0, back), 0.5)
+    panel.blend(solid(back), mix(dark, gold, smoothstep(0.3, 1.1, y)))
+    velvet = back + 0.045
+    row = np.floor(y / 0.085)
+    away = np.hypot((x / 0.105 + 0.5 * (row % 2)) % 1 - 0.5, y / 0.085 - row - 0.5)
+    panel.blend(solid(velvet - 0.012), rgb("4a1226"))
+    panel.blend(solid(velvet), mix(rgb("8a3058"), rgb("562044"), smoothstep(0.15, 0.6, away)))
+    panel.shade(solid(velvet) * smoothstep(-0.08, 0.0, velvet), 0.6)
+    for x in (-0.31, 0.31):
+        cut_out(panel, blot(panel, x, 1.10, 0.036, 0.036), gold, rim=0.010)
+    cut_out(panel, blot(panel, 0, 1.40, 0.044, 0.044), gold, rim=0.010)
+    for side in (-1, 1):
+        post = panel.box_distance(side * 0.29 - 0.035, 0.37, side * 0.29 + 0.035, 0.64)
+        cut_out(panel, post, mix(dark, gold, 0.7), rim=0.012)
+        cut_out(panel, blot(panel, side * 0.29, 0.655, 0.060, 0.036), gold, rim=0.012)
+
+
+def king(panel):
+    """A white poodle in a red mantle, crowned, a sceptre in one paw."""
+    white, shade, red, gold = rgb("fffaf0"), rgb("d9c6b4"), rgb("c02a36"), rgb("ffcf52")
+    mantle = panel.convex_distance([(-0.275, 0.37), (0.275, 0.37), (0.245, 0.62), (0.15, 0.86), (-0.15, 0.86),
+                                    (-0.245, 0.62)])
+    folds = 0.80 + 0.22 * np.cos(panel.sway_x / (0.05 + 0.10 * (1 - panel.y)) * 2.2)
+    cut_out(panel, mantle - 0.01, red * folds[..., None])
+    for side in (-1, 1):                                   # the ermine down its front edges and its hem
+        fur = limb(panel, side * 0.085, 0.82, side * 0.145, 0.39, 0.030, 0.034)
+        panel.blend(solid(fur), white)
+        for k in range(5):
+            at = side * (0.094 + 0.0125 * k), 0.77 - 0.083 * k
+            panel.dot(at, 0.010, rgb("3a2a30"))
+    for side in (-1, 1):                                   # the hind paws on the top step
+        cut_out(panel, blot(panel, side * 0.085, 0.405, 0.066, 0.042), white)
+    cut_out(panel, blot(panel, 0, 0.66, 0.090, 0.15), white)
+    panel.blend(solid(limb(panel, 0, 0.52, 0, 0.74, 0.006, 0.006)) * 0.5, shade)
+    cut_out(panel, limb(panel, 0.275, 0.44, 0.325, 1.03, 0.012, 0.012), gold, rim=0.010)
+    cut_out(panel, blot(panel, 0.33, 1.075, 0.042, 0.045), gold, rim=0.012)
+    panel.dot((0.318, 1.090), 0.014, rgb("fff6cf"))
+    for side in (-1, 1):                                   # the arms and the paws on the throne's
+        cut_out(panel, limb(panel, side * 0.165, 0.79, side * 0.25, 0.68, 0.062, 0.050), red * 1.05)
+        cut_out(panel, blot(panel, side * 0.262, 0.665, 0.050, 0.046), white)
+    collar = np.minimum.reduce([blot(panel, dx, 0.835 - 0.9 * dx * dx, 0.070, 0.058)
+                                for dx in (-0.15, -0.075, 0.0, 0.075, 0.15)])
+    cut_out(panel, collar, white)
+    for dx in (-0.16, -0.09, 0.09, 0.16):
+        panel.dot((dx, 0.82), 0.011, rgb("3a2a30"))
+    cut_out(panel, blot(panel, 0, 0.825, 0.032, 0.034), gold, rim=0.010)
+    # The head: ears, topknot, face
+    for side in (-1, 1):
+        ear = np.minimum(blot(panel, side * 0.145, 1.00, 0.058, 0.095), blot(panel, side * 0.158, 0.925, 0.066, 0.066))
+        cut_out(panel, ear, shade * 1.04)
+    cut_out(panel, blot(panel, 0, 1.015, 0.122, 0.125), white)
+    muzzle = np.minimum(blot(panel, 0, 0.950, 0.070, 0.055), blot(panel, 0, 0.915, 0.045, 0.040))
+    cut_out(panel, muzzle, rgb("f6e6d2"), rim=0.006)
+    panel.blend(solid(blot(panel, 0, 0.972, 0.032, 0.023)), rgb("20161a"))
+    panel.dot((-0.010, 0.980), 0.007, rgb("cbb8b0"))
+    panel.blend(solid(np.abs(blot(panel, 0, 0.945, 0.034, 0.030)) - 0.003) * (panel.sway_y < 0.935), rgb("6a2a2a"))
+    for side in (-1, 1):
+        panel.blend(solid(blot(panel, side * 0.056, 1.025, 0.019, 0.026)), rgb("20161a"))
+        panel.dot((side * 0.056 - 0.006, 1.036), 0.007, white)
+    topknot = np.minimum.reduce([blot(panel, dx, 1.125, 0.062, 0.056) for dx in (-0.065, 0.0, 0.065)])
+    cut_out(panel, topknot, white, rim=0.010)
+    crown = np.minimum.reduce([panel.box_distance(-0.108, 1.145, 0.108, 1.195)] +
+                              [panel.convex_distance([(dx - 0.045, 1.18), (dx + 0.045, 1.18), (dx * 1.22, tip)])
+                               for dx, tip in ((-0.078, 1.275), (0.0, 1.305), (0.078, 1.275))])
+    cut_out(panel, crown, mix(rgb("f0a22e"), rgb("ffe27a"), smoothstep(1.15, 1.26, panel.y)), rim=0.014)
+    for dx, tip in ((-0.095, 1.280), (0.0, 1.312), (0.095, 1.280)):
+        cut_out(panel, blot(panel, dx, tip, 0.018, 0.018), rgb("fff0b0"), rim=0.008)
+    for dx, colour in ((-0.065, "c02a36"), (0.0, "3f7f8c"), (0.065, "c02a36")):
+        panel.dot((dx, 1.170), 0.014, rgb(colour))
+
+
+def iron():
+    """A round bar of the grating, its rims warm from the hall's light behind."""
+    panel = Panel(0.44, 0.056, 190, 24)
+    across = (panel.y - 0.028) / 0.028
+    tone = 0.70 + 0.70 * np.sqrt(np.clip(1 - (across - 0.35) ** 2, 0, 1)) + 0.3 * (panel.grain(0.03, 1) - 0.5)
+    rim = 0.32 * smoothstep(0.5, 1.0, np.abs(across))
+    panel.picture = rgb("302a2f") * tone[..., None] + rgb("c9702e") * rim[..., None]
+    return panel
+
+
+def carpet():
+    """The floor of the gate's passage: flags and the end of the king's carpet."""
+    panel = Panel(1.04, 0.74, 92, 25)
+    panel.stones(0.17, (0.16, 0.28), [rgb("a9713f"), rgb("8d5a36"), rgb("bb8148")], mortar=0.02, raised=0.5)
+    panel.shade(smoothstep(0.1, 0.74, 0.74 - panel.y), 0.72)
+    edge = np.abs(panel.x) - 0.197
+    panel.shade(smoothstep(0.06, 0.0, edge), 0.6)
+    panel.blend(smoothstep(0.01, -0.01, edge), rgb("9c2438") * (0.9 + 0.25 * (panel.grain(0.03, 3) - 0.5))[..., None])
+    panel.blend(smoothstep(0.016, 0.008, np.abs(edge + 0.033)), PALETTE["glow"] * 0.95)
     return panel
 
 
 def reveal():
     """The inside of the arch, warm from the passage's light at its inner edge."""
-    panel = ashlar(strip(0.38, 128, 15, 504), 15, course=0.19, lengths=(0.17, 0.26))
+    panel = ashlar(strip(0.38, 128, 15, 504), 15, 0.127, (0.17, 0.26), STONES)
     panel.picture = mix(panel.picture * np.array((1.0, 0.72, 0.52)), panel.picture, smoothstep(0.0, 0.38, panel.y))
     panel.glow(smoothstep(0.22, 0.0, panel.y) * 0.22, PALETTE["ember"])
     return panel
@@ -336,7 +370,7 @@ def reveal():
 
 def banner():
     """Hangs from the battlements: a paw of gold on plum."""
-    panel = Wall(0.44, 1.24, 200, 16)
+    panel = Panel(0.44, 1.24, 200, 16)
     panel.picture = np.ones_like(panel.picture) * rgb("8a3350")
     weave = panel.grain(0.012, 7, octaves=1)
     fold = np.sin(panel.sway_x * 24 + 1.2 * panel.sway_y)
@@ -381,7 +415,7 @@ def underside():
 
 def lamp_post():
     """One side of a lamp's post: quoins, light at the top where the lamp hangs over."""
-    panel = ashlar(Wall(0.36, 0.86, 250, 21), 21, course=0.165, lengths=(0.17, 0.19), joint=0.009, bevel=0.020, rough=0.8,
+    panel = ashlar(Panel(0.36, 0.86, 250, 21), 21, course=0.165, lengths=(0.17, 0.19), joint=0.009, bevel=0.020, rough=0.8,
                    colours=[rgb("a2958a"), rgb("8c8078"), rgb("b0a294"), rgb("7f7679")])
     panel.mottle(0.3, 0.16, 5)
     panel.shade(smoothstep(0.45, 0.0, panel.y + 0.2 * (panel.grain(0.2, 6) - 0.5)), np.array((0.70, 0.66, 0.62)))
@@ -409,7 +443,7 @@ def lamp():
 
 def upper_gable():
     """A gable end with one large arched window."""
-    panel = weathered(ashlar(Wall(1.5, 2.3, 64, 23), 23), 23)
+    panel = hewn(Panel(1.5, 2.3, 64, 23))
     panel.window(0.0, 0.85, 0.42, 0.80, columns=2, rows=3, arched=True, halo=0.40, frame=0.06, trim=FRAME)
     return panel
 
@@ -440,7 +474,6 @@ class Plan(Atlas):
 
 def picture():
     atlas = Plan(SIZE, BORDER)
-    atlas.taken = np.zeros((SIZE, SIZE), dtype=bool)
     y = 0
     for paint in WRAPPED:
         y = atlas.put(paint, 0, y)[1]
@@ -451,7 +484,8 @@ def picture():
     x, low_edge = atlas.put(parapet, 0, y)
     _, lower = atlas.put(reveal, x, y)
     y, x = max(low_edge, lower), 0
-    for column in ((portcullis,), (gate_front, wood), (lamp_post,), (banner,), (slate, plum), (upper_gable, shield), (lamp, pennant, paving)):
+    for column in ((throne_room,), (gate_front, wood), (lamp_post, iron), (banner,), (slate, plum),
+                   (upper_gable, shield), (lamp, pennant, paving, carpet)):
         top, across = y, x
         for paint in column:
             far, top = atlas.put(paint, x, top)
@@ -595,8 +629,8 @@ def curtain_walls(m):
 def corner_towers(m):
     m.tower(FRONT, SIDE, 0.60, 2.75, tip=5.35, roof="plum")
     m.tower(FRONT, -SIDE, 0.66, 2.60, crown=1.16)
-    m.tower(BACK, SIDE, 0.56, 3.0, tip=5.9, roof="slate", sides=8)
-    m.tower(BACK, -SIDE, 0.56, 3.2, tip=6.4, roof="slate", sides=8)
+    m.tower(BACK, SIDE, 0.56, 3.0, tip=5.9, roof="slate", sides=7)
+    m.tower(BACK, -SIDE, 0.56, 3.2, tip=6.4, roof="slate", sides=7)
 
 
 def gatehouse(m):
@@ -620,7 +654,7 @@ def gatehouse(m):
 
 def gate_arch(m, point, inner):
     """The ring of dressed stones that stands out round the gate, its inside, and the grating."""
-    wide, depth, face = COPING, 0.34, GATE_X + PROUD
+    wide, depth, face = COPING, 0.75, GATE_X + PROUD
     middle = GATE_ARCH_TOP - GATE_ARCH
     outer = [(u * (1 + wide / GATE_ARCH), y if y < middle else middle + (y - middle) * (1 + wide / GATE_ARCH)) for u, y in inner]
     run, inside = 0.0, 0.0
@@ -637,14 +671,41 @@ def gate_arch(m, point, inner):
         places = m.along("reveal", 0.0, 3.7)
         s0, s1 = inside / 3.7, (inside + length) / 3.7
         m.face_towards([point(a0, b0, GATE_X - depth), point(a1, b1, GATE_X - depth), point(a1, b1, face), point(a0, b0, face)],
-                       [places(s0, 0), places(s1, 0), places(s1, depth + PROUD), places(s0, depth + PROUD)], -lip)
+                       [places(s0, 0), places(s1, 0), places(s1, 0.38), places(s0, 0.38)], -lip)
         run, inside = run + step, inside + length
-    m.wall("portcullis", [point(u, y, GATE_X - depth) for u, y in inner], (1, 0, 0), (GATE_X - depth, 0, 0))
+    m.wall("throne_room", [point(u, y, GATE_X - depth) for u, y in inner], (1, 0, 0), (GATE_X - depth, 0, 0))
+    grating(m, point)
+    floor = [(GATE_X - a, 0.02, b * GATE_ARCH) for a, b in ((0.02, 1), (0.02, -1), (depth, -1), (depth, 1))]
+    sheet, (px, py, w, h) = m.atlas.sheet("carpet"), m.atlas.places["carpet"]
+    m.face_towards(floor, sheet.rect(px, py, w, h), (0, 1, 0))
     x = GATE_X + 0.05
     m.wall("shield", [(x, 1.98 + y, z) for y, z in ((0.26, 0.22), (0.26, -0.22), (-0.04, -0.22), (-0.26, 0), (-0.04, 0.22))],
            (1, 0, 0), (x, 1.71, 0))
     for side in (-1, 1):
         lantern(m, GATE_X + 0.11, side * LAMP_Z, LAMP_Y, 0.055, 0.20)
+
+
+def grating(m, point):
+    """Flat iron bars across the passage, the upright ones pointed, with a boss at every crossing."""
+    half, low, x = 0.024, 0.13, GATE_X - 0.30
+    uprights, levels = (-0.30, -0.10, 0.10, 0.30), (0.31, 0.70, 1.25)
+    middle = GATE_ARCH_TOP - GATE_ARCH
+    reach = lambda y: GATE_ARCH if y < middle else np.sqrt(GATE_ARCH ** 2 - (y - middle) ** 2)
+    places = m.along("iron", 0.0, 0.43)
+    for y in levels:
+        a, b = point(-reach(y), y, x), point(reach(y), y, x)
+        up = np.array((0, half, 0))
+        m.face_towards([a - up, b - up, b + up, a + up],
+                       [places(0, 0), places(1, 0), places(1, 0.056), places(0, 0.056)], (1, 0, 0))
+    for u in uprights:
+        top, near = middle + reach(0) * np.sqrt(1 - (u / GATE_ARCH) ** 2), x + 0.012
+        points = [(u, low), (u + half, low + 0.09), (u + half, top), (u - half, top), (u - half, low + 0.09)]
+        m.face_towards([point(a, y, near) for a, y in points],
+                       [places(0, 0.028), places(0.08, 0), places(1, 0), places(1, 0.056), places(0.08, 0.056)], (1, 0, 0))
+        for y in levels:
+            boss = [(u, y - 0.044), (u + 0.044, y), (u, y + 0.044), (u - 0.044, y)]
+            m.face_towards([point(a, b, near + 0.02) for a, b in boss],
+                           [places(0.3, 0.016), places(0.4, 0.016), places(0.4, 0.044), places(0.3, 0.044)], (1, 0, 0))
 
 
 def lantern(m, x, z, foot, half, tall):
@@ -717,7 +778,7 @@ def keep(m):
         battlement(m, crown[k - 1], corner, (x, 0, z), top + 0.5, 1)
     m.tower(-1.35, -0.35, 0.78, 5.35, tip=7.75, roof="slate", sides=12, base=4.3, shaft="upper")
     m.tower(0.42, 1.28, 0.40, 4.85, tip=6.85, roof="plum", sides=8, base=3.0, shaft="upper", crown=1.22)
-    m.tower(0.45, -1.08, 0.34, 4.35, tip=6.0, roof="plum", sides=8, base=2.4, shaft="upper", crown=1.24)
+    m.tower(0.45, -1.08, 0.34, 4.35, tip=6.0, roof="plum", sides=7, base=2.4, shaft="upper", crown=1.24)
 
 
 def battlement(m, a, b, middle, y, count):

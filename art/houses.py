@@ -14,12 +14,14 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 
 import numpy as np
 
-from building import CHAR, CHAR_LIGHT, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, centred, ears, outward
+from building import (CHAR, CHAR_LIGHT, FIGURE, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, Part,
+                      ashlar, blot, centred, cut_out, ears, limb, outward, solid)
 from shared import PALETTE, Mesh, mix, rgb, smoothstep, write_bmp
 
 GROUND = -1.7
 WALL_DENSITY, ROOF_DENSITY = 67, 48           # pixels a unit
-FRONT_DENSITY = 71                            # of the wall that is the first thing to be seen
+FRONT_DENSITY = 142          # of the end of the hall's front that is seen first; half of it beyond
+FRONT_SPLIT = -1.32          # where that end ends: the middle of a post
 
 STONES = [PALETTE["stone"] * 1.1, PALETTE["stone"] * 0.85, rgb("8a7a6a"), rgb("6c6a72")]
 PLUM_TILES = [PALETTE["plum"] * 1.25, PALETTE["plum"], TILE_RED, rgb("6d4a63")]
@@ -36,7 +38,7 @@ HALL = dict(eave_x=4.15, eave_z=4.85, eave_y=2.00, ridge_y=5.85, thick=0.28,
 # The fallen part of the hall's roof: places along the ridge (x, from the hall's
 # middle) and up the slope (0 eaves .. 1 ridge), from the +x end of the gap.
 GAP_FRONT = [(2.25, 1.0), (1.40, 0.80), (2.00, 0.58), (0.75, 0.36), (-0.10, 0.54), (-1.25, 0.60), (-1.75, 1.0)]
-GAP_BACK = [(2.25, 1.0), (1.90, 0.66), (0.90, 0.56), (0.10, 0.38), (-1.35, 0.52), (-0.85, 0.78), (-1.75, 1.0)]
+GAP_BACK = [(2.25, 1.0), (1.80, 0.62), (0.10, 0.38), (-1.35, 0.52), (-0.85, 0.78), (-1.75, 1.0)]
 
 
 # The picture ------------------------------------------------------------------
@@ -50,15 +52,18 @@ def cottage_gable():
         panel.beam(side * 1.45, 1.9, side * 0.45, 3.15, 0.22)
         panel.beam(side * 0.62, 1.9, side * 0.62, 2.9, 0.16)
     panel.beam(0.0, 2.75, 0.0, 3.2, 0.15)
-    panel.beam(-1.42, 0.75, -0.15, 0.75, 0.15)
     panel.window(0.0, 2.08, 0.62, 0.62)
     panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-2, -1, 2, 0.46, soft=0.03))
     panel.shade(panel.box(-2, 0.45, 2, 0.54, soft=0.05), 0.7)
-    company(panel, -0.82, 0.95, 0.66, 0.62, "plant", shutters=PALETTE["moss"] * 1.15)
-    panel.door(0.62, 0.84, 1.55, rgb("6f3f35"))
-    panel.lantern(1.27, 1.32)
     panel.eaves_shadow(1.865 + (1.5 - np.abs(panel.sway_x)) * 1.256, 0.75, 0.5)     # the roof's slope
     panel.ground_dirt(0.55)
+    company(panel, -0.82, 1.00, 0.66, 0.62, "plant", shutters=PALETTE["moss"] * 1.15)
+    panel.kerb()
+    panel.planting(doors=[(0.52, 0.84)])
+    panel.flower_box(-0.82, 0.90, 0.98)
+    panel.door(0.52, 0.82, 1.48, rgb("6f3f35"), y=0.10)
+    panel.steps(0.52, 0.82, count=1)
+    panel.lantern(1.30, 1.30)
     return panel
 
 
@@ -69,33 +74,46 @@ def cottage_side():
         panel.beam(x, 0.4, x * 0.985, 1.95, 0.2)
     panel.beam(-2.0, 0.6, -0.75, 1.8, 0.17)
     panel.beam(2.0, 0.6, 0.75, 1.8, 0.17)
-    company(panel, 0.0, 0.85, 0.7, 0.6, "cat", shutters=PALETTE["moss"] * 1.15)
     panel.stones(0.27, (0.3, 0.62), STONES, panel.box(-3, -1, 3, 0.46, soft=0.03))
     panel.eaves_shadow(1.87, 0.7)
     panel.ground_dirt(0.55)
+    company(panel, 0.0, 0.90, 0.7, 0.6, "cat", shutters=PALETTE["moss"] * 1.15)
+    panel.kerb()
+    panel.planting()
+    panel.flower_box(0.0, 0.80, 1.0)
+    panel.lantern(1.92, 1.22, side=-1)
     return panel
 
 
 def thatch_slope():
     panel = Panel(5.0, 4.0, ROOF_DENSITY, 3)
     panel.thatch()
-    ridge = panel.sway_y + 0.16 * np.abs(((panel.x / 0.55) % 1) - 0.5) * 2
-    panel.shade(panel.box(-3, 3.27, 3, 3.42, soft=0.06), 0.6)
-    panel.glow(smoothstep(3.36, 3.44, ridge) * 0.25, rgb("a9854b"))
-    for y in (3.52, 3.72):
-        zigzag = panel.sway_y - y - 0.05 * (np.abs(((panel.x / 0.26) % 1) - 0.5) * 4 - 1)
-        panel.shade(smoothstep(0.035, 0.015, np.abs(zigzag)), 0.6)
-    moss = smoothstep(0.48, 0.68, panel.grain(0.6, 5)) * smoothstep(2.6, 0.2, panel.sway_y)
-    panel.blend(moss * 0.6, PALETTE["moss"] * 0.95)
-    panel.shade(smoothstep(0.25, 0.0, panel.y), 0.8)
+    moss = smoothstep(0.50, 0.70, panel.grain(0.6, 5)) * smoothstep(2.6, 0.2, panel.sway_y)
+    panel.blend(moss * 0.45, PALETTE["moss"] * 0.95)
+    # The ridge's own layer, sewn down with hazel rods.
+    ridge = 3.24 + 0.07 * np.abs(((panel.x / 0.55) % 1) - 0.5) * 2
+    panel.shade(smoothstep(0.22, 0.0, ridge - panel.sway_y) * (panel.sway_y < ridge), 0.5)
+    panel.shade(smoothstep(0.0, 0.02, panel.sway_y - ridge), 1.12)
+    rods = [np.abs(panel.sway_y - y) for y in (3.42, 3.74)]
+    zigzag = panel.sway_y - 3.58 - 0.13 * (np.abs(((panel.x / 0.5) % 1) - 0.5) * 4 - 1)
+    rod = np.minimum.reduce(rods + [np.abs(zigzag) * 0.7]) - 0.022
+    panel.shade(smoothstep(0.05, 0.0, rod), 0.62)
+    panel.blend(smoothstep(0.012, -0.006, rod), rgb("c79a5c"))
+    panel.glow(smoothstep(0.26, 0.02, panel.y) * 0.10, rgb("a9854b"))
     return panel
 
 
 def thatch_edge():
-    panel = Panel(5.2, 0.36, ROOF_DENSITY, 4)
-    straw = panel.grain(0.05, 1, stretch=3.0)
-    panel.picture = mix(rgb("50392a"), rgb("a07c48"), smoothstep(0.2, 0.85, straw))
-    panel.picture = panel.picture * (0.55 + 0.6 * smoothstep(0.0, 0.34, panel.y))[..., None]
+    """The cut ends of the straw: light above, frayed over a deep shade below."""
+    panel = Panel(5.2, 0.36, ROOF_DENSITY * 1.5, 4)
+    straw = panel.grain(0.035, 1, stretch=4.0, octaves=2)
+    bundle = np.abs(((panel.sway_x / 0.36) % 1) - 0.5) * 2
+    panel.picture = mix(rgb("5c4329"), rgb("bb9252"), smoothstep(0.25, 0.75, straw))
+    panel.picture = panel.picture * (0.60 + 0.5 * smoothstep(0.08, 0.34, panel.y))[..., None]
+    panel.shade(smoothstep(0.72, 1.0, bundle), 0.62)
+    hem = 0.055 + 0.075 * bundle ** 2 + 0.13 * (panel.grain(0.045, 2, octaves=2)[-1:] - 0.35)
+    panel.shade(smoothstep(0.10, 0.0, panel.y - hem) * (panel.y > hem), 0.72)
+    panel.blend(smoothstep(0.008, -0.008, panel.y - hem), rgb("1d1411"))
     return panel
 
 
@@ -118,22 +136,30 @@ def bargeboard():
 def inn_ground_front():
     panel = Panel(4.3, 2.0, WALL_DENSITY, 7)
     panel.stones(0.30, (0.34, 0.72), STONES)
-    company(panel, -1.12, 0.78, 0.98, 0.76, "somebody", columns=3)
-    panel.window(1.38, 0.78, 0.82, 0.76, columns=2, rows=2)
-    panel.door(0.22, 0.96, 1.66, rgb("35504a"))
-    panel.lantern(-0.42, 1.38)
     panel.eaves_shadow(1.95, 0.62, 0.45)
-    panel.ground_dirt(0.5, 0.7)
+    panel.ground_dirt(0.5, 0.5)
+    company(panel, -1.26, 0.82, 0.94, 0.74, "somebody", columns=3)
+    company(panel, 1.42, 0.82, 0.78, 0.74, "candle")
+    panel.kerb()
+    panel.planting(doors=[(0.30, 0.96)])
+    for x, width in ((-1.26, 1.2), (1.42, 1.0)):
+        panel.flower_box(x, 0.72, width, seed=round(x))
+    panel.door(0.30, 0.96, 1.60, rgb("35504a"), y=0.10)
+    panel.steps(0.30, 0.96, count=1)
+    panel.lantern(-0.48, 1.28, side=-1)
     return panel
 
 
 def inn_ground_side():
     panel = Panel(6.5, 2.0, WALL_DENSITY, 8)
     panel.stones(0.30, (0.34, 0.72), STONES)
+    panel.eaves_shadow(1.95, 0.62, 0.45)
+    panel.ground_dirt(0.5, 0.5)
     for x in (-1.9, 1.7):
         panel.window(x, 0.82, 0.85, 0.72)
-    panel.eaves_shadow(1.95, 0.62, 0.45)
-    panel.ground_dirt(0.5, 0.7)
+    panel.kerb()
+    panel.planting(0.42)
+    panel.lantern(-0.1, 1.28)
     return panel
 
 
@@ -224,31 +250,47 @@ def roof_weather(panel, ridge):
 
 
 def hall_front():
-    """The long side: a window full of people at its left end, where the game begins, then
-    the hall's sign, the great door between its lamps, and two smaller windows."""
+    """The long side. Its left end is the first thing that a player sees: the sign that shows the
+    way to the castle and a window whose woman points there. Then the great door between its
+    lamps, and two smaller windows."""
     panel = Panel(8.1, 2.45, FRONT_DENSITY, 14)
     panel.plaster()
-    for x in (-3.84, 1.0, 2.42, 3.84):
+    for x in (-3.84, 3.84):
         panel.beam(x, 0.6, x, 2.45, 0.26)
     panel.beam(-4.0, 2.22, 4.0, 2.22, 0.26)
-    panel.beam(3.74, 1.05, 3.20, 2.1, 0.18)
-    panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-5, -1, 5, 0.84, soft=0.03))
-    panel.shade(panel.box(-5, 0.84, 5, 0.92, soft=0.05), 0.65)
+    stone_foot(panel)
+    for x in (FRONT_SPLIT, 1.36):
+        panel.beam(x, -0.2, x, 2.45, 0.28)
     plume = smoothstep(1.5, 0.2, np.abs(panel.sway_x - 0.2) - 0.5 * panel.grain(0.4, 3))
     panel.scorch(0.6 * plume * smoothstep(1.6, 2.3, panel.sway_y + 0.5 * (panel.grain(0.3, 4) - 0.5)))
     panel.eaves_shadow(2.38, 0.62, 0.5)
     panel.ground_dirt(0.6)
-    lamplight(panel, ((-1.65, 1.46, 1.0), (0.76, 1.46, 0.9), (-3.0, 1.35, 0.8)))
-    feast(panel, -3.00, 0.98, 1.30, 0.90)
-    company(panel, 1.71, 0.98, 0.72, 0.80, "candle")
-    company(panel, 2.99, 0.98, 0.66, 0.80, "cat")
-    panel.door(-0.45, 1.8, 2.02, rgb("74492f"), double=True)
-    doorlight = np.exp(-np.hypot((panel.sway_x + 0.45) / 0.8, (panel.sway_y - 1.3) / 0.8) ** 2)
-    panel.glow(0.20 * doorlight * panel.box(-1.35, 0, 0.45, 2.1, soft=0.1), PALETTE["glow"])
-    for x in (-1.65, 0.76):
-        panel.lantern(x, 1.46)
-    poodle_sign(panel, -2.01, 1.42)
+    lamplight(panel, ((-3.3, 1.40, 1.0), (FRONT_SPLIT, 1.3, 0.6), (1.36, 1.3, 0.6), (-2.1, 1.35, 0.7)))
+    panel.kerb()
+    panel.planting(doors=[(0.02, 1.8)])
+    way_sign(panel, -3.37, 1.40)
+    pointing_window(panel, -2.03, 0.93, 1.0, 0.92)
+    panel.flower_box(-2.03, 0.80, 1.28)
+    company(panel, 2.08, 0.98, 0.72, 0.80, "candle")
+    company(panel, 3.14, 0.98, 0.66, 0.80, "cat")
+    for x, width in ((2.08, 1.0), (3.14, 0.94)):
+        panel.flower_box(x, 0.86, width, seed=round(x))
+    panel.door(0.02, 1.8, 1.86, rgb("74492f"), double=True, y=0.18)
+    panel.steps(0.02, 1.8, count=2, rise=0.09)
+    doorlight = np.exp(-np.hypot((panel.sway_x - 0.02) / 0.8, (panel.sway_y - 1.3) / 0.8) ** 2)
+    panel.glow(0.20 * doorlight * panel.box(-0.88, 0.18, 0.92, 2.1, soft=0.1), PALETTE["glow"])
+    panel.lantern(FRONT_SPLIT, 1.36, side=-1)
+    panel.lantern(1.36, 1.36)
     return panel
+
+
+def stone_foot(panel):
+    """Three courses of dressed stones below the hall's timbers."""
+    course, wall = panel.height / round(panel.height / 0.272), panel.picture
+    ashlar(panel, panel.seed, course, (0.36, 0.72), STONES, joint=0.022, bevel=0.045)
+    stones, top = panel.picture, 3 * course
+    panel.picture = mix(wall, stones, smoothstep(top + 0.015, top - 0.015, panel.sway_y))
+    panel.shade(smoothstep(top + 0.10, top, panel.sway_y) * (panel.sway_y > top), 0.65)
 
 
 def lamplight(panel, places):
@@ -269,16 +311,7 @@ def pane_mask(panel, x, y, width, height, columns, rows, bar):
     return glass * smoothstep(bar * 0.7, bar * 1.2, near)
 
 
-def blot(panel, x, y, wide, tall):
-    """Distance outside an ellipse, about."""
-    return (np.hypot((panel.sway_x - x) / wide, (panel.sway_y - y) / tall) - 1) * min(wide, tall)
-
-
-def solid(distance):
-    return smoothstep(0.010, -0.010, distance)
-
-
-DRAPE, DRAPE_LIGHT, FIGURE = rgb("8c2f2a"), rgb("c9503a"), rgb("4a2416")
+DRAPE, DRAPE_LIGHT = rgb("8c2f2a"), rgb("c9503a")
 
 
 def room(panel, glass, y, height, fire_x):
@@ -322,8 +355,8 @@ def cat(panel, glass, x, y, size=1.0):
         panel.blend(glass * solid(eye), rgb("ffe27a"))
 
 
-def person(panel, glass, x, y, size, coat, hat=None, mug=0):
-    """Head and shoulders of somebody in the room; `mug` raises a cup on that side."""
+def person(panel, glass, x, y, size, coat, hat=None, look=0.0):
+    """Head and shoulders of somebody in the room, the eyes `look` aside."""
     shoulders = np.maximum(blot(panel, x, y, 0.20 * size, 0.27 * size), y - 0.05 - panel.sway_y)
     panel.blend(glass * solid(shoulders), coat)
     lit = smoothstep(0.0, 0.2, panel.sway_y - y) * solid(shoulders)
@@ -338,28 +371,53 @@ def person(panel, glass, x, y, size, coat, hat=None, mug=0):
                           blot(panel, x + 0.02 * size, y + 0.485 * size, 0.05 * size, 0.045 * size))
         panel.blend(glass * solid(hair), FIGURE)
     for side in (-1, 1):
-        panel.blend(glass * solid(blot(panel, x + side * 0.034 * size, y + 0.335 * size, 0.012, 0.016)), FIGURE)
-    if mug:
-        hand, top = x + mug * 0.30 * size, y + 0.26 * size
-        arm, _, _ = panel.line_distance(x + mug * 0.15 * size, y + 0.10 * size, hand, top)
-        panel.blend(glass * solid(arm - 0.040 * size), coat)
-        panel.blend(glass * solid(panel.box_distance(hand - 0.045, top, hand + 0.045, top + 0.12)), rgb("6b4a2a"))
-        foam = panel.box_distance(hand - 0.05, top + 0.10, hand + 0.05, top + 0.15)
-        panel.blend(glass * solid(foam), PALETTE["cream"])
+        panel.blend(glass * solid(blot(panel, x + look + side * 0.034 * size, y + 0.335 * size, 0.012, 0.016)), FIGURE)
 
 
-def feast(panel, x, y, width, height):
-    """The big window: two drinkers at a table with a candle, and a cat on the sill."""
-    panel.window(x, y, width, height, columns=3, rows=1, halo=0.5)
-    glass = pane_mask(panel, x, y, width, height, 3, 1, 0.030)
-    room(panel, glass, y, height, x + 0.02)
-    person(panel, glass, x - 0.40, y + 0.17, 1.0, rgb("5d2f52"), mug=1)
-    person(panel, glass, x + 0.41, y + 0.17, 1.0, rgb("3f5534"), hat=rgb("2c2430"))
-    panel.blend(glass * solid(panel.box_distance(x - 0.7, y, x + 0.7, y + 0.13)), rgb("6e3d20"))
-    panel.glow(glass * panel.box(x - 0.7, y + 0.11, x + 0.7, y + 0.135, soft=0.01) * 0.5, PALETTE["glow"])
-    candle(panel, glass, x - 0.03, y + 0.12)
-    cat(panel, glass, x + 0.10, y + 0.005, 0.95)
-    drapes(panel, glass, x, y, width, height, reach=0.11)
+def pointing_window(panel, x, y, width, height):
+    """An open window: a woman leans out and points to the left, a man in a hat sits behind her
+    at his candle, and a cat on the sill looks on."""
+    panel.window(x, y, width, height, columns=1, rows=1, halo=0.5)
+    glass = pane_mask(panel, x, y, width, height, 1, 1, 0.030)
+    room(panel, glass, y, height, x + 0.06)
+    person(panel, glass, x + 0.27, y + 0.16, 0.95, rgb("3f5534"), hat=rgb("2c2430"), look=-0.02)
+    panel.blend(glass * solid(panel.box_distance(x - 0.1, y, x + 0.7, y + 0.12)), rgb("6e3d20"))
+    candle(panel, glass, x + 0.10, y + 0.11)
+    drapes(panel, glass, x, y, width, height, reach=0.09)
+    cat(panel, np.ones_like(panel.x), x + 0.36, y - 0.04, 0.85)
+    pointing_woman(panel, x - 0.20, y)
+
+
+def pointing_woman(panel, x, y):
+    """She leans on the sill at height y with one arm and points left with the other."""
+    skin, dress, apron, hair = rgb("efb888"), rgb("7a3568"), rgb("f1dfc0"), rgb("5a2a18")
+    panel.shade(smoothstep(0.09, 0.0, limb(panel, x - 0.10, y + 0.12, x - 0.56, y + 0.26, 0.08, 0.05)), 0.6)
+    cut_out(panel, blot(panel, x + 0.09, y + 0.66, 0.070, 0.065), hair)
+    cut_out(panel, blot(panel, x + 0.025, y + 0.50, 0.135, 0.15), hair)
+    torso = np.maximum(blot(panel, x + 0.01, y + 0.04, 0.20, 0.29), y - 0.035 - panel.sway_y)
+    cut_out(panel, torso, dress)
+    panel.blend(solid(np.maximum(blot(panel, x - 0.01, y + 0.05, 0.095, 0.20), torso + 0.02)), apron)
+    cut_out(panel, limb(panel, x + 0.15, y + 0.20, x + 0.21, y + 0.02, 0.058, 0.050), dress)
+    cut_out(panel, blot(panel, x + 0.17, y - 0.015, 0.070, 0.040), skin)
+    # The head, turned to the left
+    cut_out(panel, limb(panel, x - 0.01, y + 0.30, x - 0.015, y + 0.38, 0.05, 0.05), skin * 0.85, rim=0.0)
+    cut_out(panel, blot(panel, x - 0.025, y + 0.47, 0.105, 0.125), skin)
+    parting = y + 0.535 + 0.5 * (x - 0.02 - panel.sway_x)
+    fringe = np.maximum(blot(panel, x - 0.005, y + 0.50, 0.125, 0.125), parting - panel.sway_y)
+    cut_out(panel, fringe, hair, rim=0.008)
+    panel.blend(solid(blot(panel, x - 0.124, y + 0.455, 0.026, 0.019)), skin * 0.93)
+    for dx in (-0.088, -0.018):
+        panel.blend(solid(blot(panel, x + dx, y + 0.482, 0.014, 0.022)), rgb("2b1410"))
+    for dx in (-0.07, 0.02):
+        panel.blend(0.55 * smoothstep(0.02, -0.02, blot(panel, x + dx, y + 0.43, 0.020, 0.016)), rgb("e0604a"))
+    panel.blend(solid(np.maximum(blot(panel, x - 0.060, y + 0.410, 0.034, 0.024), panel.sway_y - y - 0.410)), rgb("a0302c"))
+    # The arm that points
+    cut_out(panel, limb(panel, x - 0.50, y + 0.292, x - 0.655, y + 0.318, 0.026, 0.019), skin)
+    cut_out(panel, blot(panel, x - 0.475, y + 0.275, 0.062, 0.050), skin)
+    panel.blend(solid(limb(panel, x - 0.505, y + 0.246, x - 0.465, y + 0.232, 0.016, 0.014)), skin * 0.82)
+    panel.blend(solid(limb(panel, x - 0.50, y + 0.292, x - 0.65, y + 0.318, 0.020, 0.013)), skin)
+    cut_out(panel, limb(panel, x - 0.11, y + 0.185, x - 0.38, y + 0.250, 0.082, 0.060), dress)
+    cut_out(panel, limb(panel, x - 0.385, y + 0.250, x - 0.415, y + 0.258, 0.066, 0.064), apron)
 
 
 def company(panel, x, y, width, height, who, columns=2, **kept):
@@ -381,21 +439,49 @@ def company(panel, x, y, width, height, who, columns=2, **kept):
     drapes(panel, glass, x, y, width, height)
 
 
-def poodle_sign(panel, x, y):
-    """A board on an iron arm: a white poodle's head on green."""
-    panel.blend(panel.box(x - 0.26, y + 0.34, x + 0.24, y + 0.375, soft=0.01), PALETTE["soot"])
-    for side in (-0.16, 0.16):
-        panel.blend(panel.box(x + side - 0.012, y + 0.26, x + side + 0.012, y + 0.35, soft=0.008), PALETTE["soot"])
-    panel.shade(panel.box(x - 0.18, y - 0.33, x + 0.26, y + 0.20, soft=0.07), 0.6)
-    panel.blend(panel.box(x - 0.225, y - 0.27, x + 0.225, y + 0.27, soft=0.01, round_by=0.05), rgb("d69a3c"))
-    panel.blend(panel.box(x - 0.195, y - 0.24, x + 0.195, y + 0.24, soft=0.01, round_by=0.04), rgb("2f5a4c"))
-    white, grey = rgb("fff6e2"), rgb("cdbfae")
-    for dx, dy, r, tone in ((0.13, -0.06, 0.075, grey), (0.14, -0.13, 0.06, grey), (0.0, -0.02, 0.10, white),
-                            (-0.09, -0.06, 0.065, white), (0.02, 0.12, 0.085, white), (-0.05, 0.10, 0.06, white),
-                            (0.08, 0.09, 0.06, white), (0.06, -0.19, 0.07, white)):
-        panel.blend(solid(blot(panel, x + dx, y + dy, r, r)), tone)
-    panel.blend(solid(blot(panel, x - 0.15, y - 0.045, 0.028, 0.022)), PALETTE["soot"])
-    panel.blend(solid(blot(panel, x - 0.035, y + 0.005, 0.017, 0.02)), PALETTE["soot"])
+def way_sign(panel, x, y):
+    """A board on an iron arm: the castle in the evening light, and an arrow that breaks out of
+    the frame to the left."""
+    iron = PALETTE["soot"]
+    panel.blend(panel.box(x - 0.46, y + 0.535, x + 0.50, y + 0.575, soft=0.01), iron)
+    for side in (-0.34, 0.34):
+        panel.blend(panel.box(x + side - 0.016, y + 0.46, x + side + 0.016, y + 0.55, soft=0.008), iron)
+    panel.shade(panel.box(x - 0.44, y - 0.60, x + 0.60, y + 0.42, soft=0.07), 0.5)
+    frame = panel.box_distance(x - 0.49, y - 0.52, x + 0.49, y + 0.49, round_by=0.06)
+    wood = 0.78 + 0.34 * smoothstep(y - 0.5, y + 0.5, panel.sway_y) + 0.25 * (panel.grain(0.08, 141, stretch=0.3) - 0.5)
+    panel.blend(solid(frame), rgb("c98f3f") * wood[..., None])
+    panel.shade(solid(np.abs(frame + 0.055) - 0.010), 0.5)
+    field = solid(frame + 0.058)
+    rise = smoothstep(y - 0.45, y + 0.45, panel.sway_y)
+    panel.blend(field, mix(rgb("a03a4c"), rgb("3a1b40"), rise))
+    panel.glow(field * 0.40 * np.exp(-np.hypot(panel.sway_x - x, (panel.sway_y - y - 0.06) * 1.2) / 0.24), PALETTE["ember"])
+    castle_device(panel, x, y - 0.06)
+    shaft = panel.box_distance(x - 0.40, y - 0.36, x + 0.37, y - 0.18, round_by=0.02)
+    head = panel.convex_distance([(x - 0.585, y - 0.27), (x - 0.15, y - 0.495), (x - 0.15, y - 0.045)])
+    arrow = np.minimum(shaft, head)
+    panel.shade(smoothstep(0.07, 0.0, arrow), 0.6)
+    panel.blend(solid(arrow - 0.028), rgb("3a1526"))
+    panel.blend(solid(arrow), mix(rgb("f79a2c"), rgb("ffed9c"), smoothstep(y - 0.46, y - 0.14, panel.sway_y)))
+    panel.glow(solid(np.abs(arrow + 0.022) - 0.006) * 0.5 * smoothstep(y - 0.28, y - 0.2, panel.sway_y), PALETTE["cream"])
+
+
+def castle_device(panel, x, y):
+    """A castle of three towers, 0.7 wide and half as tall, its foot at y."""
+    part = lambda x0, y0, x1, y1: panel.box_distance(x + x0, y + y0, x + x1, y + y1)
+    peak = lambda at, half, low, high: panel.convex_distance([(x + at - half, y + low), (x + at + half, y + low),
+                                                              (x + at, y + high)])
+    walls = [part(-0.30, 0, 0.30, 0.19), part(-0.115, 0, 0.115, 0.33)]
+    walls += [part(k - 0.028, 0.17, k + 0.028, 0.235) for k in (-0.165, 0.165)]
+    walls += [part(side - 0.075, 0, side + 0.075, 0.285) for side in (-0.30, 0.30)]
+    roofs = [peak(-0.30, 0.115, 0.275, 0.475), peak(0.30, 0.115, 0.275, 0.475), peak(0.0, 0.155, 0.325, 0.535)]
+    wall, roof = np.minimum.reduce(walls), np.minimum.reduce(roofs)
+    panel.blend(solid(np.minimum(wall, roof) - 0.016), rgb("2a1020"))
+    panel.blend(solid(wall), mix(rgb("fff1d0"), rgb("d9b48c"), smoothstep(x - 0.3, x + 0.4, panel.sway_x)))
+    panel.blend(solid(roof - 0.006), mix(rgb("e2803a"), rgb("8c3348"), smoothstep(x - 0.05, x + 0.07, panel.sway_x)))
+    gate = panel.arch_distance(x, y, 0.12, 0.17)
+    panel.blend(solid(gate), rgb("4a1a2c"))
+    for at, level in ((-0.30, 0.15), (0.30, 0.15), (0.0, 0.225)):
+        panel.blend(solid(panel.box_distance(x + at - 0.018, y + level, x + at + 0.018, y + level + 0.065)), rgb("4a1a2c"))
 
 
 def hall_gable():
@@ -416,12 +502,16 @@ def hall_gable():
     panel.beam(2.2, 2.4, 3.4, 3.0, 0.18)
     panel.beam(0.15, 4.0, 0.9, 4.9, 0.16)
     panel.beam(4.1, 1.0, 2.2, 2.2, 0.18)
-    panel.stones(0.34, (0.4, 0.85), STONES, panel.box(-1, -1, 6, 0.84, soft=0.03))
-    company(panel, 1.06, 1.05, 0.86, 0.86, "candle")
+    stone_foot(panel)
     panel.window(1.05, 2.72, 0.74, 0.80)
     panel.scorch(0.8 * smoothstep(1.5, 0.2, np.hypot(panel.sway_x, (panel.sway_y - 5.6) * 0.7)))
     panel.eaves_shadow(roof, 0.7, 0.5)
     panel.ground_dirt(0.7)
+    company(panel, 1.06, 1.05, 0.86, 0.86, "candle")
+    panel.kerb()
+    panel.planting(0.45)
+    panel.flower_box(1.06, 0.94, 1.12)
+    panel.lantern(2.1, 1.42)
     return panel
 
 
@@ -499,14 +589,19 @@ def cupola():
     return panel
 
 
-PANELS = [slate_roof, plum_roof, hall_gable, inn_gable, cottage_gable, hall_front, inn_ground_front,
-          inn_ground_side, cottage_side, inn_side, thatch_slope, charred_wood, chimney, embers, jetty, soffit,
-          thatch_edge, bargeboard, burnt_beam, flue, sign, cupola]
+PANELS = [plum_roof, hall_gable, jetty, cupola, cottage_side, soffit, sign, flue, inn_side, embers, burnt_beam,
+          inn_ground_side, inn_gable, charred_wood, slate_roof, thatch_slope, cottage_gable, chimney, thatch_edge,
+          inn_ground_front, bargeboard]
 
 
 def picture():
+    front = hall_front()
+    panels = {"hall_front": Part(front, FRONT_SPLIT, front.width / 2, coarser=2),
+              "hall_welcome": Part(front, -front.width / 2, FRONT_SPLIT)}
+    panels |= {paint.__name__: paint() for paint in PANELS}     # in an order in which they all fit
     atlas = Atlas(1024, border=4)
-    atlas.place_all({paint.__name__: paint() for paint in PANELS})
+    atlas.place_all(panels)
+    print(f"house.bmp: {1 - atlas.taken.mean():.0%} unused")
     return atlas
 
 
@@ -649,20 +744,31 @@ def hall(atlas):
     up = np.array((0, m["thick"], 0))
 
     def walls(b, wall, peak):
-        back = np.array((1, 1, -1))
         foot = np.array((m["wall_x"] + 0.06, 0, m["wall_z"] + 0.06))
-        b.wall("hall_front", [foot, foot * back, wall * back, wall], (1, 0, 0), (m["wall_x"], 0, 0))
         half = Builder(b.atlas)
         middle = np.array((0, 0, m["wall_z"] + 0.06))
         half.wall("hall_gable", [middle, foot, wall, peak], (0, 0, 1), (2.25, 0, m["wall_z"]))
         b.mesh.add(half.mesh, half.mesh.scaled(x=-1))
 
     mesh = on_both_ends(lambda b: gable_ends(b, m, under, up, walls), atlas)
+    front = hall_long_side(atlas, m, under(m["wall_x"]))
+    mesh.add(front, front.scaled(x=-1))           # the back is its mirror: both signs point west
     mesh.add(broken_roof(atlas, m, up))
     tower = Builder(atlas)
     lantern_turret(tower, 3.1, m["ridge_y"])
     mesh.add(tower.mesh)
     return settled(mesh.turned(90).moved(x=m["middle"]), 0.25)
+
+
+def hall_long_side(atlas, m, top):
+    """The front, before the turn along x: its left end is at -z."""
+    b, middle = Builder(atlas), 4.05                       # half the painted width
+    low = lambda z: (-m["wall_x"] - 0.06, 0, z * (m["wall_z"] + 0.06) / m["wall_z"])
+    high = lambda z: (-m["wall_x"], top, z)
+    for panel, z0, z1, left, right in (("hall_welcome", -m["wall_z"], FRONT_SPLIT, -middle, FRONT_SPLIT),
+                                       ("hall_front", FRONT_SPLIT, m["wall_z"], FRONT_SPLIT, middle)):
+        b.wall(panel, [low(z0), low(z1), high(z1), high(z0)], (-1, 0, 0), (-m["wall_x"], 0, (left + right) / 2))
+    return b.mesh
 
 
 def broken_roof(atlas, m, up):
