@@ -258,7 +258,7 @@ def far_haze(picture):
 # The streets are darker than kerbs, yards and beds: the panels of the game add blue to them.
 STONES = [STONE * 0.84, STONE_LIGHT * 0.77, STONE_WARM * 0.84, STONE * 0.73, STONE_WARM * 0.75, STONE * 0.79,
           STONE_WARM * 0.80, STONE_COOL * 0.84]
-FLAGS = [STONE * 0.96, STONE * 1.04, STONE_LIGHT * 0.88, STONE * 0.90]
+FLAGS = [STONE * 0.85, STONE * 0.92, STONE_LIGHT * 0.78, STONE * 0.79]
 BRICKS = [rgb("b87556"), rgb("c5865f"), rgb("a66c55"), rgb("ba7d5a")]
 BORDER = [rgb("b87f4c"), rgb("c99a5e"), rgb("a97046"), rgb("c08c56")]
 SAND = [rgb("b09a78"), rgb("a08a6e"), rgb("bba27a"), rgb("938069")]
@@ -819,7 +819,7 @@ def yards(picture):
                 moss=-0.1, course=10, lengths=(12, 19))
         for x in GROUPS:
             for low_x, high_x in ((-2.85, -1.6), (-9.05, -7.15), (-19.4, -17.05)):
-                picture[texels(x + low_x, x + high_x, z - 4.6, z + 4.6)] *= 1.16
+                picture[texels(x + low_x, x + high_x, z - 4.6, z + 4.6)] *= 1.36
     rng = np.random.default_rng(SEED * 1000 + 42)
     for kind, x, z, _ in houses():
         for side in (-1, 1):
@@ -847,7 +847,7 @@ def plot(picture, rng, kind, x, z, side):
         else:
             vegetables(picture, within(box, 2), rng)
     path = texels(door - 0.6, door + 0.6, *sorted((z + side * deep, z + side * 6.6)))
-    lay_box(picture, path, 168 + kind, stones=[STONE_LIGHT * 0.9, STONE_LIGHT * 0.82], moss=-0.3, course=8,
+    lay_box(picture, path, 168 + kind, stones=[STONE_LIGHT * 0.82, STONE_LIGHT * 0.75], moss=-0.3, course=8,
             lengths=(14, 14))
 
 
