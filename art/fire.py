@@ -1,4 +1,9 @@
-"""Two flames for additive drawing: the hot core bright, every border pure black."""
+"""Two flames for additive drawing: the hot core bright, every border pure black.
+
+The game draws each flame on many squares whose middle starts at the eave or in the
+crown and rises. The flame therefore stands in the upper part of its picture and its
+root is thin and faint: what hangs below the middle would burn before the windows.
+"""
 import sys
 from pathlib import Path
 
@@ -8,22 +13,24 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 from shared import blur, mix, noise, rgb, smoothstep, write_bmp  # noqa: E402
 
 SIZE = 256
-# Heat 0..1 -> colour. The game multiplies it with reddish tints, so hot parts keep all three channels.
-RED = ["000000", "6a1c06", "d8600f", "ffb040", "ffe8a4", "fffcec"]
+FOOT = 0.20              # height of the root in the picture, whose middle is at 0.5
+# Heat 0..1 -> colour. The game multiplies it with random colours, red up to full, green and
+# blue up to half, so the fire keeps hardly any blue and its green follows its red.
+RED = ["000000", "6a2404", "d8610a", "ff9a12", "ffd21c", "fff01f"]
 BLUE = ["000000", "061c6a", "0f60d8", "40b0ff", "a4e8ff", "ecfcff"]
 STEPS = [0.0, 0.16, 0.34, 0.52, 0.74, 0.95]
 
 
 def tongue(x, y, centre, foot, tip, width, lean):
-    """Heat of one tongue: a teardrop from `foot` up to `tip`, swaying as it rises."""
+    """Heat of one tongue: a leaf, thin at `foot`, broad low down, that sways up to `tip`."""
     rise = (y - foot) / (tip - foot)
     inside = np.clip(rise, 0, 1)
-    sway = lean * inside ** 1.5 + 0.06 * np.sin(inside * 6.5 + centre * 9.0) * inside
-    path = centre * (0.35 + 0.65 * smoothstep(0.0, 0.6, inside)) + sway  # all tongues leave one hearth
-    half = width * 2.15 * inside ** 0.55 * (1 - inside) ** 0.95 + 1e-4
+    sway = lean * inside ** 1.5 + 0.07 * np.sin(inside * 7.0 + centre * 9.0) * inside
+    path = centre * (0.15 + 0.85 * smoothstep(0.0, 0.8, inside)) + sway  # all tongues leave one hearth
+    half = width * 3.5 * inside ** 0.95 * (1 - inside) ** 1.2 + 1e-4
     away = np.abs(x - path) / half
     body = np.clip(1 - away ** 1.8, 0, 1)
-    return body * smoothstep(-0.02, 0.16, rise) * smoothstep(1.02, 0.55, rise)
+    return body * smoothstep(-0.02, 0.34, rise) * smoothstep(1.02, 0.55, rise)
 
 
 def heat():
@@ -31,16 +38,14 @@ def heat():
     y, x = np.mgrid[0:SIZE, 0:SIZE]
     x, y = (x + 0.5) / SIZE * 2 - 1, 1 - (y + 0.5) / SIZE
     drift = noise(SIZE, SIZE, 4, 3, seed=5) - 0.5
-    x = x + drift * 0.22 * y
+    x = x + drift * 0.20 * smoothstep(FOOT, 1.0, y)
     # fmt: off
     tongues = [  # centre, foot, tip, width, lean, strength
-        (0.02, 0.04, 0.96, 0.36,  0.04, 0.92),
-        (-0.34, 0.05, 0.62, 0.20, -0.10, 0.62),
-        (0.36, 0.05, 0.70, 0.20,  0.10, 0.62),
-        (-0.16, 0.06, 0.82, 0.19, -0.16, 0.62),
-        (0.14, 0.06, 0.58, 0.22,  0.06, 0.55),
-        (0.24, 0.30, 0.90, 0.09,  0.12, 0.40),
-        (-0.30, 0.42, 0.88, 0.07, -0.06, 0.35),
+        ( 0.02, FOOT,        0.99, 0.27,  0.05, 0.94),
+        (-0.34, FOOT + 0.06, 0.74, 0.15, -0.06, 0.72),
+        ( 0.38, FOOT + 0.08, 0.80, 0.15,  0.06, 0.72),
+        (-0.20, FOOT + 0.03, 0.93, 0.15, -0.10, 0.72),
+        ( 0.20, FOOT + 0.04, 0.90, 0.15,  0.10, 0.70),
     ]
     # fmt: on
     cold = np.ones_like(x)
@@ -48,11 +53,11 @@ def heat():
         cold *= 1 - strength * tongue(x, y, centre, foot, tip, width, lean)
     total = 1 - cold
     lick = noise(SIZE, SIZE, 6, 3, seed=6)
-    total *= 0.80 + 0.45 * (lick - 0.3) * smoothstep(0.15, 0.8, y)
-    core = np.exp(-(x / 0.26) ** 2 - ((y - 0.26) / 0.26) ** 2)
-    total *= (0.74 + 0.40 * core) * (1.02 - 0.30 * smoothstep(0.35, 0.95, y))
-    border = smoothstep(1.0, 0.72, np.abs(x - drift * 0.22 * y)) * smoothstep(0.0, 0.12, y) * smoothstep(1.0, 0.84, y)
-    return blur(np.clip(total, 0, 1), 2.0) * border
+    total *= 0.80 + 0.50 * (lick - 0.3) * smoothstep(FOOT, 0.85, y)
+    core = np.exp(-(x / 0.22) ** 2 - ((y - FOOT - 0.30) / 0.20) ** 2)
+    total *= (0.78 + 0.38 * core) * (1.02 - 0.20 * smoothstep(0.6, 0.98, y))
+    border = smoothstep(1.0, 0.76, np.abs(x)) * smoothstep(1.0, 0.90, y)
+    return blur(np.clip(total, 0, 1), 1.6) * border
 
 
 def colour(values, steps):

@@ -1,10 +1,14 @@
 """The painted map under the town: one picture stretched over the whole ground.
 
 Ten texels make one unit and the camera looks from less than two units above, so a
-texel may fill thirty pixels of the screen. What is straight (streets, kerbs, paths)
-is therefore laid texel by texel: joints are one whole texel wide, lit and shaded
-edges are the texels beside them. What is round has lines of one texel, and grass and
-earth have their blades and pebbles, of one texel too.
+texel may fill thirty pixels of the screen. What is straight (streets, kerbs, beds,
+steps) is therefore laid texel by texel: joints are one whole texel wide, lit and shaded
+edges are the texels beside them. What is round or oblique has soft lines of two texels,
+which show no steps, and grass and earth have their blades and pebbles, of one texel.
+
+The main street leads from the start in the square to the castle's gate, between warm
+borders and along a trail of golden paw prints; the other streets have their own stones
+and furniture.
 Distances are world units; arrays are indexed [row, column] with row 0 at z = +100.
 """
 import sys
@@ -24,23 +28,27 @@ STREETS = (71, 49, 27, 5, -17, -39, -61)          # z between and outside the ro
 CROSSINGS = (88.5, -49.5)                         # x of the streets at both ends of the rows
 STREET_HALF, CROSSING_HALF = 4.1, 4.2
 SQUARE = (0.0, 5.0, 5.9)                          # x, z, radius of the round in the start square
+APRON = (-20.0, 16.0, -0.55, 10.55)               # low and high x and z of the setts round it
 GATE_X, COURT_RADIUS = -66.0, 14.0                # the fan of paving before the castle gate
 TREES = ((-3, 0), (-10, 0), (30, 0))
-SCORCHED_TREE = 3.4                               # reach of the soot
+TREE_PIT = 1.2                                    # radius of the earth within each tree's kerb
 DOORS = (0.60, 0.22, -0.50)                       # x of each kind's door from its house, on the +z side
 WALLS = ((-1.6, 1.6, 2.1), (-2.15, 2.15, 3.3), (-4.05, 3.95, 4.46))  # x and z reach of the walls
-WINDOW_LIGHT = np.array([0.26, 0.12, -0.10], np.float32)  # what the warm pools of light add
-FIRE_LIGHT = np.array([0.42, 0.12, -0.14], np.float32)
+WINDOW_LIGHT = np.array([0.22, 0.11, -0.08], np.float32)  # what the warm pools of light add
+FIRE_LIGHT = np.array([0.30, 0.10, -0.08], np.float32)
 CASTLE = ((-90, -66, -14, 14), (-66, -61, -2.5, -1.9), (-66, -61, 1.9, 2.5))
 FOREST_EDGE = -83.0
 
 # fmt: off
 GRASS, GRASS_LIGHT, GRASS_DARK = rgb("87914a"), rgb("b9b45c"), rgb("5f6d3c")
 EARTH, EARTH_LIGHT, EARTH_DARK = rgb("b08a63"), rgb("cfaa7c"), rgb("7d5f49")
-STONE, STONE_LIGHT, STONE_WARM, STONE_COOL = rgb("c3b7ad"), rgb("e6dac6"), rgb("cfb092"), rgb("a3a3bb")
+STONE, STONE_LIGHT, STONE_WARM, STONE_COOL = rgb("c3b7ad"), rgb("e6dac6"), rgb("cfb092"), rgb("a69e9a")
 JOINT, MOSS, SOOT, ASH = rgb("7a6a61"), rgb("86904c"), rgb("3a3031"), rgb("a0958f")
 FOREST_FLOOR, LEAVES = rgb("6e6340"), rgb("b0743c")
 BLOOMS = [rgb("e0806a"), rgb("efc060"), rgb("c090c0"), rgb("f2e6c4")]
+BED_BLOOMS = [rgb("f2705c"), rgb("ffc648"), rgb("e59ad4"), rgb("fff2d6")]
+SOIL, HERB, LEAF, LEAF_LIGHT = rgb("7a6250"), rgb("a0b05a"), rgb("64803c"), rgb("b2c662")
+GOLD, GOLD_LIGHT, GOLD_DARK = rgb("ffae34"), rgb("ffd98a"), rgb("b06a22")
 # What the sky's pictures show below their woods, as it looks in the light that falls on the ground.
 HAZE_SUNWARD, HAZE_ACROSS, HAZE_FAR = rgb("ab8655"), rgb("807a5f"), rgb("566763")
 # fmt: on
@@ -95,9 +103,9 @@ def edge(distance, soft=0.5):
     return np.clip(0.5 - distance / (2 * soft * TEXEL), 0, 1)
 
 
-def groove(distance, texels=1.0):
-    """As line, for lines that run askew: as wide, but without steps."""
-    return np.exp(-(distance / (0.62 * (0.4 + texels) * TEXEL)) ** 2)
+def groove(distance, texels=2.0):
+    """As line, for lines that run round or askew: soft enough to show no steps."""
+    return np.exp(-(distance / (0.6 * texels * TEXEL)) ** 2)
 
 
 def over(picture, colour, mask):
@@ -126,11 +134,16 @@ def houses():
             yield 2, x - 13, z, (x - 18.2, x - 8.7, z - 4.9, z + 4.9)
 
 
+def texels(low_x, high_x, low_z, high_z):
+    """Slices of the whole texels of a rectangle."""
+    columns = np.round((np.clip([low_x, high_x], -HALF, HALF) + HALF) / TEXEL).astype(int)
+    rows = np.round((HALF - np.clip([high_z, low_z], -HALF, HALF)) / TEXEL).astype(int)
+    return slice(*rows), slice(*columns)
+
+
 def near(x, z, reach):
     """Slices of the square of texels within `reach` of a place."""
-    c0, c1 = ((np.clip([x - reach, x + reach], -HALF, HALF) + HALF) / (2 * HALF) * SIZE).astype(int)
-    r0, r1 = ((HALF - np.clip([z + reach, z - reach], -HALF, HALF)) / (2 * HALF) * SIZE).astype(int)
-    return slice(r0, r1), slice(c0, c1)
+    return texels(x - reach, x + reach, z - reach, z + reach)
 
 
 # ---- open country ---------------------------------------------------------
@@ -242,8 +255,16 @@ def far_haze(picture):
 
 # ---- paving ---------------------------------------------------------------
 
-STONES = [STONE * 1.08, STONE_LIGHT, STONE_WARM * 1.05, STONE_COOL, STONE * 0.92]
+# The streets are darker than kerbs, yards and beds: the panels of the game add blue to them.
+STONES = [STONE * 0.84, STONE_LIGHT * 0.77, STONE_WARM * 0.84, STONE * 0.73, STONE_WARM * 0.75, STONE * 0.79,
+          STONE_WARM * 0.80, STONE_COOL * 0.84]
+FLAGS = [STONE * 0.85, STONE * 0.92, STONE_LIGHT * 0.78, STONE * 0.79]
+BRICKS = [rgb("b87556"), rgb("c5865f"), rgb("a66c55"), rgb("ba7d5a")]
+BORDER = [rgb("b87f4c"), rgb("c99a5e"), rgb("a97046"), rgb("c08c56")]
+SAND = [rgb("b09a78"), rgb("a08a6e"), rgb("bba27a"), rgb("938069")]
+SLABS = [rgb("8f897f"), rgb("7f7a74"), rgb("99907f"), rgb("86807a")]
 COURSE, SHORT, LONG = 7, 8, 12        # texels: breadth of a course, lengths of its stones
+joints = np.zeros((SIZE, SIZE), np.float32)  # where the paving laid so far has joints
 
 
 class Setts:
@@ -273,11 +294,11 @@ class Setts:
         self.first_v, self.last_v = b - 1 - cut[..., 2], length - 1 - b - cut[..., 3]
         self.inside = np.minimum(np.minimum(self.first_u, self.last_u), np.minimum(self.first_v, self.last_v))
 
-    def colours(self, part):
+    def colours(self, part, stones, moss):
         """Lit edges, shaded edges, chipped corners, cracks, and joints with earth or moss in them."""
         chance = self.chance
-        kind = np.minimum((chance[..., 4] * len(STONES)).astype(int), len(STONES) - 1)
-        picture = np.array(STONES, np.float32)[kind]
+        kind = np.minimum((chance[..., 4] * len(stones)).astype(int), len(stones) - 1)
+        picture = np.array(stones, np.float32)[kind]
         tone = 0.86 + 0.25 * chance[..., 0] + 0.075 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
         lit = (self.first_u == 0) | (self.first_v == 0)
         dim = (self.last_u == 0) | (self.last_v == 0)
@@ -293,7 +314,7 @@ class Setts:
         corner = (np.minimum(self.first_u, self.last_u) == 0) & (np.minimum(self.first_v, self.last_v) == 0)
         joint = np.where(self.inside < 0, 0.95, 0.55 * corner * (GRIT[part] > -0.6))
         filled = blended(JOINT * 0.62, EARTH_DARK * 0.9, smoothstep(0.2, 1.0, DAB[part] + 0.4 * GRIT[part]))
-        mossy = smoothstep(0.25, 0.6, PATCH[part] + 0.35 * TUFT[part] + 0.2 * GRIT[part])
+        mossy = smoothstep(0.25, 0.6, PATCH[part] + 0.35 * TUFT[part] + 0.2 * GRIT[part] + moss)
         filled = blended(filled, MOSS * 0.8, mossy)
         over(picture, filled, joint)
         return picture
@@ -309,12 +330,33 @@ def touched(mask):
     return slice(rows[0], rows[-1] + 1), slice(columns[0], columns[-1] + 1)
 
 
-def lay(picture, mask, u, v, seed, **measures):
+def lay(picture, mask, u, v, seed, stones=STONES, moss=0.0, **measures):
     """Lays setts where the mask is; u and v as in Setts, for the whole ground."""
     part = touched(mask)
-    stones = Setts(u[part], v[part], seed, **measures)
-    over(picture[part], stones.colours(part), mask[part])
-    return part, stones
+    setts = Setts(u[part], v[part], seed, **measures)
+    over(picture[part], setts.colours(part, stones, moss), mask[part])
+    joints[part] += (np.float32(setts.inside < 0) - joints[part]) * mask[part]
+    return part, setts
+
+
+def lay_box(picture, box, seed, along_x=True, stones=STONES, moss=0.0, **measures):
+    """Lays setts over a rectangle of texels, in courses along x or z that begin at its edge."""
+    u, v = (ROW - box[0].start, COLUMN) if along_x else (COLUMN - box[1].start, ROW)
+    setts = Setts(u[box], v[box], seed, **measures)
+    picture[box] = setts.colours(box, stones, moss)
+    joints[box] = setts.inside < 0
+
+
+# z of a street -> how it is paved.
+PAVING = {
+    71: dict(stones=SLABS, moss=0.45, course=8, lengths=(9, 14)),
+    49: dict(stones=SLABS),
+    27: dict(stones=SAND, course=6, lengths=(6, 9)),
+    5: {},
+    -17: dict(stones=STONES[:4], moss=0.25, course=9, lengths=(12, 16)),
+    -39: dict(stones=BRICKS, course=5, lengths=(9, 10)),
+    -61: dict(stones=STONES, moss=0.45, course=8, lengths=(9, 14)),
+}
 
 
 def street(picture, along_x, centre, half, ends, seed, kerbless=0.0):
@@ -328,12 +370,10 @@ def street(picture, along_x, centre, half, ends, seed, kerbless=0.0):
     side = np.abs(across)
     length = edge(-np.minimum(along - ends[0], ends[1] - along))
     inside = np.minimum(edge(side - half), length)
-    part, stones = lay(picture, inside, u, v, seed)
+    lay(picture, inside, u, v, seed, **(PAVING[centre] if along_x else {}))
     # Grass and dirt creep in from the kerb; wheels and feet have polished the middle.
     creep = smoothstep(0.9, 0.0, frayed - side - 0.55) * (1 - kerbless)
     creep *= smoothstep(-0.3, 0.5, PATCH + 0.5 * DAB + 0.35 * GRIT)
-    joints = np.zeros_like(inside)
-    joints[part] = stones.inside < 0
     moss = inside * creep * (0.15 + 0.75 * joints)
     over(picture, MOSS, moss)
     grassy(picture, moss * joints)
@@ -343,13 +383,13 @@ def street(picture, along_x, centre, half, ends, seed, kerbless=0.0):
     kerb = edge(np.abs(side - half + 0.02) - 2.6 * TEXEL) * length
     part = touched(kerb)
     stones = Setts(u[part] + 3, 0 * v[part] + 1, seed + 1, course=15, lengths=(40, 41))
-    top = blended(STONE_LIGHT, STONE_COOL, stones.chance[..., 1]) * (0.98 + 0.16 * stones.chance[..., 0])[..., None]
+    top = blended(STONE_LIGHT, STONE, stones.chance[..., 1]) * (0.98 + 0.16 * stones.chance[..., 0])[..., None]
     top *= (1 + 0.05 * np.clip(GRIT[part], -2, 2))[..., None]
     top *= np.where(stones.first_u < 0, 0.5, np.where(stones.first_u == 0, 1.15, 1))[..., None]
     over(picture[part], top.astype(np.float32), kerb[part])
     for reach, factor in ((2.6, 0.5), (-3.2, 0.55)):
         tint(picture, line(side - half - reach * TEXEL) * length, factor)
-    tint(picture, smoothstep(0.7, 0.0, np.abs(side - half - 0.55)) * (1 - inside) * length * (1 - kerb), 0.78)
+    tint(picture, smoothstep(0.7, 0.0, np.abs(side - half - 0.55)) * (1 - inside) * length * (1 - kerb), 0.85)
 
 
 def streets(picture):
@@ -366,176 +406,467 @@ def streets(picture):
                90 + 4 * i, mouths)
 
 
-def round_paving(picture, x, z, mask, seed, course=0.78, length=1.0):
-    """Rings of stones about a centre, within a mask: joints of one texel, edges lit from the sun."""
+def soft_setts(part, across, place, course, length, seed, sun, stones=STONES):
+    """Stones whose courses run round or askew, with joints that show no steps.
+
+    `across` counts units across the courses; place(row) counts stones along a course and
+    length(row) is their length; `sun` tells how far the edges towards greater `across` and
+    greater place face the sun.
+    """
+    table = np.random.default_rng(SEED * 1000 + seed).random((64, 512, 3)).astype(np.float32)
+    row = np.floor(across / course).astype(np.int32)
+    at = place(row) + table[row & 63, 0, 0]
+    stone = np.floor(at).astype(np.int32)
+    chance = table[row & 63, stone & 511]
+    before_u, after_u = across - row * course, (row + 1) * course - across
+    before_v, after_v = (at - stone) * length(row), (stone + 1 - at) * length(row)
+    nearest_u, nearest_v = np.minimum(before_u, after_u), np.minimum(before_v, after_v)
+    nearest = np.minimum(nearest_u, nearest_v)
+    kind = np.minimum((chance[..., 1] * len(stones)).astype(int), len(stones) - 1)
+    picture = np.array(stones, np.float32)[kind]
+    band = [np.exp(-((d / TEXEL - 2.2) / 1.0) ** 2) for d in (before_u, after_u, before_v, after_v)]
+    relief = sun[0] * (band[1] - band[0]) + sun[1] * (band[3] - band[2])
+    tone = 0.88 + 0.24 * chance[..., 2] + 0.22 * relief + 0.06 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
+    tone -= 0.26 * ((GRIT[part] > 1.75) & (nearest > 3 * TEXEL))
+    picture *= tone[..., None]
+    filled = blended(JOINT * 0.62, MOSS * 0.7, smoothstep(0.25, 0.6, PATCH[part] + 0.35 * TUFT[part]))
+    corner = np.maximum(nearest_u + nearest_v - 0.6 * TEXEL, 0)
+    over(picture, filled, np.maximum(groove(nearest), groove(corner)))
+    return picture.astype(np.float32)
+
+
+def round_paving(picture, x, z, mask, seed, course=0.78, length=1.0, stones=STONES):
+    """Rings of stones about a centre, within a mask."""
     part = touched(mask)
     dx, dz = X[part] - x, Z[part] - z
     ring, angle = np.hypot(dx, dz) + 1e-3, np.arctan2(dz, dx) / (2 * np.pi) + 0.5
-    table = np.random.default_rng(SEED * 1000 + seed).random((64, 512, 3)).astype(np.float32)
-    row = np.floor(ring / course).astype(np.int32)
-    count = np.maximum(np.round((row + 0.5) * course * 2 * np.pi / length), 3)
-    place = angle * count + table[row & 63, 0, 0]
-    stone = np.floor(place).astype(np.int32)
-    chance = table[row & 63, np.mod(stone, count.astype(np.int32)) & 511]
-    before_r, after_r = ring - row * course, (row + 1) * course - ring
-    before_a, after_a = (place - stone) / count * 2 * np.pi * ring, (stone + 1 - place) / count * 2 * np.pi * ring
-    nearest = np.minimum(np.minimum(before_r, after_r), np.minimum(before_a, after_a))
-    corner = np.minimum(np.minimum(before_r, after_r) + np.minimum(before_a, after_a), 9)
-    kind = np.minimum((chance[..., 1] * len(STONES)).astype(int), len(STONES) - 1)
-    picture_here = np.array(STONES, np.float32)[kind]
-    outer = (-dx + dz) / (ring * 1.42)          # how far the outer edges face the sun
-    beside = (-dx - dz) / (ring * 1.42)         # and the edges towards greater angles
-    band = [np.exp(-((d / TEXEL - 1.7) / 0.9) ** 2) for d in (before_r, after_r, before_a, after_a)]
-    relief = outer * (band[1] - band[0]) + beside * (band[3] - band[2])
-    tone = 0.88 + 0.24 * chance[..., 2] + 0.24 * relief + 0.07 * np.clip(GRIT[part], -2, 2) + 0.05 * DAB[part]
-    tone -= 0.32 * ((GRIT[part] > 1.75) & (nearest > 2 * TEXEL))
-    picture_here *= tone[..., None]
-    filled = blended(JOINT * 0.60, MOSS * 0.7, smoothstep(0.25, 0.6, PATCH[part] + 0.35 * TUFT[part]))
-    over(picture_here, filled, np.maximum(groove(nearest, 1.1), groove(np.maximum(corner - 0.6 * TEXEL, 0), 1.1)))
-    over(picture[part], picture_here, mask[part])
+
+    def count(row):
+        return np.maximum(np.round((row + 0.5) * course * 2 * np.pi / length), 3)
+
+    sun = (-dx + dz) / (ring * 1.42), (-dx - dz) / (ring * 1.42)
+    rings = soft_setts(part, ring, lambda row: angle * count(row), course,
+                       lambda row: 2 * np.pi * ring / count(row), seed, sun, stones)
+    over(picture[part], rings, mask[part])
+    joints[part] *= 1 - mask[part]
+
+
+def kerb_ring(picture, x, z, radius, width, count, seed):
+    """A ring of kerb stones, its outside at `radius`."""
+    part = near(x, z, radius + 1)
+    dx, dz = X[part] - x, Z[part] - z
+    away = np.hypot(dx, dz) + 1e-3
+    stone = (np.arctan2(dz, dx) / (2 * np.pi) + 0.5) * count
+    tone = np.random.default_rng(SEED * 1000 + seed).uniform(0.92, 1.12, count + 1)[np.floor(stone).astype(int)]
+    from_middle = away - radius + width / 2
+    facing = (dz - dx) / (away * 1.42) * np.sign(from_middle)  # how far each edge faces the sun
+    tone = tone + 0.05 * np.clip(GRIT[part], -2, 2) + 0.14 * facing * smoothstep(0.2, 0.45, np.abs(from_middle) / width)
+    rim = edge(np.abs(from_middle) - width / 2, 0.9)
+    over(picture[part], blended(STONE_WARM, STONE_LIGHT, 0.5 + 0 * away) * tone[..., None], rim)
+    over(picture[part], JOINT * 0.6, groove(np.abs(stone - np.round(stone)) / count * 2 * np.pi * radius) * rim)
+    for ring in (radius - width, radius):
+        over(picture[part], JOINT * 0.5, groove(away - ring))
+
+
+def apron(picture):
+    """The setts round the start square, over the main street."""
+    lay_box(picture, texels(*APRON), 120, along_x=False)
 
 
 def square(picture):
-    """The start square: a round of rings with a many-pointed star laid in pale stone."""
+    """The start square: a round of rings with a many-pointed star laid in pale stone.
+    The star's ray to the west, where the castle stands, is gilded."""
     x, z, radius = SQUARE
     away = np.hypot(X - x, Z - z)
-    apron = edge((np.abs((X + 2) / 17.5) ** 4 + np.abs((Z - z) / 6.0) ** 4) ** 0.25 * 6 - 6)
-    lay(picture, apron.astype(np.float32), COLUMN, ROW, 120)
     round_paving(picture, x, z, edge(away - radius).astype(np.float32), 124)
-    rim = edge(np.abs(away - radius + 0.42) - 0.42, 0.9)
-    stone = (np.arctan2(Z - z, X - x) / (2 * np.pi) + 0.5) * 36
-    tone = np.random.default_rng(SEED * 1000 + 44).uniform(0.92, 1.12, 37)[np.floor(stone).astype(int)]
-    facing = (Z - X + x - z) / (radius * 1.42)  # how far the rim's outside faces the sun
-    tone = tone + 0.05 * np.clip(GRIT, -2, 2) + 0.14 * (np.abs(away - radius + 0.42) > 0.3) * facing
-    over(picture, blended(STONE_WARM, STONE_LIGHT, 0.3 + 0 * away) * tone[..., None], rim)
-    near_joint = np.abs(stone - np.round(stone)) / 36 * 2 * np.pi * radius
-    over(picture, JOINT * 0.6, groove(near_joint) * rim)
+    kerb_ring(picture, x, z, radius, 0.84, 36, 44)
     for point in range(8):  # short points first, so that the long ones lie over them
         bearing = (point % 4) * np.pi / 2 + (np.pi / 4 if point < 4 else 0.0)
-        reach = 3.4 if point < 4 else radius - 1.0
+        west = point == 6
+        reach = 3.4 if point < 4 else radius - (0.86 if west else 1.0)
         forward = (X - x) * np.cos(bearing) + (Z - z) * np.sin(bearing)
         aside = (Z - z) * np.cos(bearing) - (X - x) * np.sin(bearing)
         waist = 1.15
         half = np.minimum(forward * 0.4142, (reach - forward) * waist * 0.4142 / (reach - waist))
         outline = np.abs(aside) - half
-        over(picture, JOINT * 0.5, edge(outline - 1.6 * TEXEL, 0.65))
-        colour = blended(STONE_LIGHT * 1.02, rgb("77718f"), edge(-aside, 0.65))
-        slabs = groove((forward + 0.35) % 0.9 - 0.45, 0.8) * 0.45 * (forward > waist)
+        over(picture, JOINT * 0.5, edge(outline - 1.8 * TEXEL, 0.9))
+        light, dark = (GOLD * 1.02, GOLD_DARK) if west else (STONE_LIGHT * 0.96, rgb("6f6870"))
+        slabs = groove((forward + 0.35) % 0.9 - 0.45) * 0.45 * (forward > waist)
+        colour = blended(light, dark, edge(-aside, 0.9))
         colour = colour * (1 + 0.045 * np.clip(GRIT, -2, 2) + 0.04 * DAB - 0.4 * slabs)[..., None]
-        over(picture, colour.astype(np.float32), edge(outline, 0.65))
-    for ring in (radius - 0.84, radius):
-        over(picture, JOINT * 0.5, groove(away - ring, 1.2))
+        if west:  # a bright ridge between its two sides
+            over(colour, GOLD_LIGHT, groove(aside, 1.6) * 0.8)
+        over(picture, colour.astype(np.float32), edge(outline, 0.9))
 
 
-def wear(picture):
-    """What years have left on the streets: stains, blown leaves, and puddles that hold the sky."""
-    rng = np.random.default_rng(SEED * 1000 + 43)
-    street_at = np.min([np.abs(Z - z) for z in STREETS], axis=0)
-    paved = smoothstep(STREET_HALF, STREET_HALF - 1.0, street_at) * (X > CROSSINGS[1]) * (X < CROSSINGS[0])
-    tint(picture, paved * smoothstep(0.0, 0.8, PATCH + 0.3 * DAB), 0.87)
-    tint(picture, paved * smoothstep(0.1, 0.8, -PATCH + 0.3 * DAB), 1.07)
-    over(picture, LEAVES, paved * smoothstep(STREET_HALF - 2.2, STREET_HALF - 0.6, street_at) *
-         smoothstep(1.5, 1.9, GRIT + 1.2 * TUFT + 0.4 * PATCH) * 0.85)
-    for _ in range(26):
-        x, z = rng.uniform(CROSSINGS[1] + 5, CROSSINGS[0] - 5), rng.choice(STREETS) + rng.uniform(-2.6, 2.6)
-        wide, deep = rng.uniform(0.7, 1.5), rng.uniform(0.35, 0.7)
-        if np.hypot(x - SQUARE[0], z - SQUARE[1]) < SQUARE[2] + 2:
-            continue
-        part = near(x, z, 5)
-        away = np.hypot((X[part] - x) / wide, (Z[part] - z) / deep) + 0.35 * DAB[part]
-        tint(picture[part], smoothstep(1.55, 1.0, away), 0.70)
-        over(picture[part], rgb("847a9a"), smoothstep(1.0, 0.9, away) * 0.88)
-        over(picture[part], rgb("e0a898"), smoothstep(0.75, 0.3, away + (Z[part] - z) / deep * 0.25) * 0.6)
-        tint(picture[part], smoothstep(0.12, 0.0, np.abs(away - 0.95)) * (Z[part] < z), 1.25)
+# ---- the way to the castle --------------------------------------------------
+
+BEND = (-60.0, -38.0)                 # x between which the main street bends to the gate
+APPROACH_HALF = 1.9                   # and grows as narrow as the gate's approach
+BORDER_IN, BORDER_OUT = 1.35, 0.35    # the warm border, units inside the edge of the street
+
+
+def main_middle(x):
+    """z of the middle of the main street."""
+    return STREETS[3] * smoothstep(BEND[0], BEND[1], x)
+
+
+def main_edge():
+    """Distance from the edges of the main street, negative on it, for the whole ground."""
+    half = APPROACH_HALF + (STREET_HALF - APPROACH_HALF) * smoothstep(BEND[0], BEND[1], X)
+    step = 0.1
+    slope = (main_middle(X + step) - main_middle(X - step)) / (2 * step)
+    return np.abs(Z - main_middle(X)) / np.sqrt(1 + slope ** 2) - half
 
 
 def castle_road(picture):
-    """The fan of paving before the gate and the road that joins it to the town."""
+    """The fan of paving before the gate and the road that bends to it from the main street."""
     away = np.hypot(X - GATE_X, Z)
-    court = edge(away - COURT_RADIUS) * (X > GATE_X - 1.0)
+    court = edge(away - COURT_RADIUS, 0.9) * (X > GATE_X - 1.0)
     round_paving(picture, GATE_X, 0.0, court.astype(np.float32), 130, course=0.88, length=1.1)
-    over(picture, JOINT * 0.5, groove(away - COURT_RADIUS, 1.5) * (X > GATE_X))
-    road = edge(np.abs(Z) - 2.6) * (X > -70) * (X < CROSSINGS[1] - CROSSING_HALF)
+    over(picture, JOINT * 0.5, groove(away - COURT_RADIUS) * (X > GATE_X))
+    outside = (X > GATE_X) * (X < CROSSINGS[1] + CROSSING_HALF)
+    road = edge(main_edge(), 0.9) * outside
     lay(picture, road.astype(np.float32), COLUMN, ROW, 134)
-    outside = (X > -70) * (X < CROSSINGS[1] - CROSSING_HALF)
-    kerb = edge(np.abs(np.abs(Z) - 2.6) - 2 * TEXEL) * outside
-    over(picture, STONE_LIGHT * (0.94 + 0.06 * np.clip(GRIT, -2, 2) - 0.4 * (COLUMN % 13 == 0))[..., None], kerb)
-    for reach in (-2.5, 2.5):
-        over(picture, JOINT * 0.5, line(np.abs(Z) - 2.6 - reach * TEXEL) * outside * 0.9)
+
+
+def warm_border(picture):
+    """Two courses of warm bricks along both sides of the main street, up to the gate."""
+    beyond = main_edge()
+    ends = (X > GATE_X) * (X < CROSSINGS[0] - CROSSING_HALF)
+    for side in (-1, 1):
+        mask = edge(np.abs(beyond + (BORDER_IN + BORDER_OUT) / 2) - (BORDER_IN - BORDER_OUT) / 2, 0.9) * ends
+        mask = (mask * (np.sign(Z - main_middle(X)) == side)).astype(np.float32)
+        part = touched(mask)
+        bricks = soft_setts(part, -beyond[part] - BORDER_OUT, lambda row: X[part] / 1.07, 0.5,
+                            lambda row: 1.07, 136 + side, (-side * 0.7, -0.7), BORDER)
+        over(picture[part], bricks, mask[part])
+        joints[part] *= 1 - mask[part]
+    for reach in (BORDER_IN, BORDER_OUT):
+        over(picture, JOINT * 0.5, groove(beyond + reach) * ends)
+
+
+TRAIL = [  # x, z: round the burning tree and the strays in the street, then down its middle
+    (0.2, -0.35), (-1.15, -0.25), (-1.75, 1.0), (-2.8, 2.2), (-5.0, 3.0), (-8.0, 3.9), (-11.0, 5.4), (-15.0, 7.0),
+    (-19.0, 6.4), (-23.5, 5.2)] + [(x, main_middle(x)) for x in np.arange(-28.0, -66.0, -4.0)]
+LONG_PRINT, WIDE_PRINT, STRIDE, STRADDLE = 1.75, 1.25, 2.4, 0.42  # drawn long, as they are seen from low down
+PADS = [  # forward, aside, half length, half width, in prints: the ball of the paw, then the toes
+    (-0.13, 0.0, 0.22, 0.23), (-0.27, 0.16, 0.17, 0.17), (-0.27, -0.16, 0.17, 0.17),
+    (0.33, 0.16, 0.155, 0.11), (0.33, -0.16, 0.155, 0.11), (0.10, 0.405, 0.14, 0.105), (0.10, -0.405, 0.14, 0.105)]
+
+
+def footsteps():
+    """x, z and bearing of each print along the trail, the paws to its left and right in turn."""
+    knots = np.array(TRAIL)
+    t = np.linspace(0, len(knots) - 1, 4000)
+    i = np.clip(t.astype(int), 0, len(knots) - 2)
+    f = (t - i)[:, None]
+    before, after = knots[np.maximum(i - 1, 0)], knots[np.minimum(i + 2, len(knots) - 1)]
+    here, there = knots[i], knots[i + 1]
+    way = 0.5 * (2 * here + (there - before) * f + (2 * before - 5 * here + 4 * there - after) * f ** 2
+                 + (3 * here - before - 3 * there + after) * f ** 3)
+    walked = np.concatenate([[0], np.cumsum(np.hypot(*np.diff(way, axis=0).T))])
+    for k, distance in enumerate(np.arange(1.25, walked[-1], STRIDE)):
+        x, z = (np.interp(distance, walked, way[:, axis]) for axis in (0, 1))
+        ahead = [np.interp(distance + 0.3, walked, way[:, axis]) for axis in (0, 1)]
+        bearing = np.arctan2(ahead[1] - z, ahead[0] - x)
+        side = STRADDLE * (1 if k % 2 else -1) * (k > 0)
+        yield x - side * np.sin(bearing), z + side * np.cos(bearing), bearing
+
+
+def paw_distance(dx, dz, bearing):
+    """Distance from the outline of a paw print, negative inside."""
+    forward = dx * np.cos(bearing) + dz * np.sin(bearing)
+    aside = dz * np.cos(bearing) - dx * np.sin(bearing)
+    nearest = 9.0
+    for middle_f, middle_s, half_f, half_s in PADS:
+        f, s = (forward - middle_f * LONG_PRINT), (aside - middle_s * WIDE_PRINT)
+        a, b = half_f * LONG_PRINT, half_s * WIDE_PRINT
+        reach = np.hypot(f / a, s / b)
+        steep = np.hypot(f / a ** 2, s / b ** 2) / np.maximum(reach, 1e-3)
+        nearest = np.minimum(nearest, (reach - 1) / np.maximum(steep, 0.5))
+    return nearest
+
+
+def trail(picture):
+    """Golden paw prints from the start to the gate, sunk into the paving and worn with it."""
+    for x, z, bearing in footsteps():
+        # Set on the lattice of texels, so that all that look west look alike.
+        x, z = np.round(np.array([x, z]) / TEXEL) * TEXEL
+        part = near(x, z, 1.6)
+        dx, dz = X[part] - x, Z[part] - z
+        outline = paw_distance(dx, dz, bearing)
+        inside = edge(outline, 0.7)
+        toward_sun = edge(paw_distance(dx - 0.9 * TEXEL, dz + 0.9 * TEXEL, bearing), 0.7)
+        from_sun = edge(paw_distance(dx + 0.9 * TEXEL, dz - 0.9 * TEXEL, bearing), 0.7)
+        here = picture[part]
+        tint(here, edge(outline - 1.6 * TEXEL, 1.0), 0.40)                        # the stone is cut away round it
+        tint(here, np.clip(edge(paw_distance(dx + 2.6 * TEXEL, dz - 2.6 * TEXEL, bearing), 1.0)
+                           - edge(outline - 1.8 * TEXEL, 1.0), 0, 1), 0.9)
+        gold = blended(GOLD, GOLD_LIGHT, 0.25 + 0.25 * DAB[part])
+        gold = gold * (1 - 0.16 * joints[part] + 0.04 * np.clip(GRIT[part], -2, 2))[..., None]
+        gold = blended(gold, GOLD_DARK, np.clip(inside - toward_sun, 0, 1) * 0.75)     # the near rim's shadow
+        gold = blended(gold, GOLD_LIGHT * 1.1, np.clip(inside - from_sun, 0, 1) * 0.7)  # the far rim in the light
+        worn = smoothstep(1.0, 1.9, GRIT[part] + 0.7 * TUFT[part])
+        over(here, gold, inside * (1 - 0.30 * worn))
+
+
+# ---- what lies on the other streets -----------------------------------------
+
+def wheel_tracks(picture, z):
+    """Two rows of long slabs, polished by wheels, on which the carts roll."""
+    for k, offset in enumerate((-1.2, 1.2)):
+        box = texels(CROSSINGS[1] + CROSSING_HALF, CROSSINGS[0] - CROSSING_HALF, z + offset - 0.45, z + offset + 0.45)
+        lay_box(picture, box, 150 + k, stones=FLAGS, course=9, lengths=(22, 30))
+        rut = slice(box[0].start + 4, box[0].start + 6), box[1]
+        picture[rut] *= (0.62 + 0.08 * np.clip(GRIT[rut], -2, 2))[..., None]
+        picture[box[0].stop, box[1]] *= 0.5
+
+
+CLOTHS = [(rgb("b4473c"), rgb("ecdcb4")), (rgb("3f6a72"), rgb("e6d3a0")), (rgb("c98a34"), rgb("7c3b3a")),
+          (rgb("6f7a3c"), rgb("eadfb8")), (rgb("7b4a68"), rgb("e2b56a"))]
+WARES = [rgb("d9553a"), rgb("f0b03c"), rgb("8fae4a"), rgb("e8d8b0"), rgb("8a5a36"), rgb("c98fb0")]
+
+
+def market(picture, z):
+    """Striped cloths along both kerbs, with fringes and with wares laid out in rows."""
+    rng = np.random.default_rng(SEED * 1000 + 152)
+    for side in (-1, 1):
+        x = CROSSINGS[1] + 9.0
+        while x < CROSSINGS[0] - 10:
+            wide, deep = rng.uniform(2.4, 3.4), rng.uniform(1.3, 1.7)
+            middle = z + side * rng.uniform(2.4, 2.7)
+            cloth(picture, texels(x, x + wide, middle - deep / 2, middle + deep / 2), rng)
+            x += wide + rng.choice([1.2, 2.6, 6.5])
+
+
+def cloth(picture, box, rng):
+    rows, columns = box
+    dark, light = CLOTHS[rng.integers(len(CLOTHS))]
+    shadow = picture[rows.start + 1:rows.stop + 1, columns.start + 1:columns.stop + 2]
+    shadow *= 0.5
+    view = picture[box]
+    height, width = view.shape[:2]
+    stripe = (np.arange(width) // 3) % 2
+    tone = 0.94 + 0.05 * np.clip(GRIT[box], -2, 2) + 0.06 * DAB[box]
+    view[:] = np.where(stripe[None, :, None] == 0, dark, light) * tone[..., None]
+    view[[0, -1]] *= 0.85
+    view[:, 0] = np.where(np.arange(height)[:, None] % 2, light, view[:, 0] * 0.4)   # fringes
+    view[:, -1] = np.where(np.arange(height)[:, None] % 2, light, view[:, -1] * 0.4)
+    ware = WARES[rng.integers(len(WARES))]
+    for i in range(2, height - 5, 6):
+        if rng.random() < 0.45:
+            ware = WARES[rng.integers(len(WARES))]
+        for j in range(3, width - 6, 6):
+            if rng.random() < 0.8:
+                one_ware(view[i:i + 5, j:j + 5], ware * rng.uniform(0.9, 1.1))
+
+
+def one_ware(view, colour):
+    """A round thing of four texels: lit from the upper left, its shadow to the lower right."""
+    view[1:5, 1:5] *= 0.45
+    view[0:4, 0:4] = colour * 0.95
+    view[0:2, 0:2] = np.minimum(colour * 1.25, 1.05)
+    view[3, 1:4] = view[1:4, 3] = colour * 0.62
+
+
+def street_beds(picture, z):
+    """Long beds of flowers along both kerbs, a way left open before every door."""
+    rng = np.random.default_rng(SEED * 1000 + 154)
+    for side in (-1, 1):
+        doors = [x - side * DOORS[kind] for kind, x, row, _ in houses() if row == z + side * 11]
+        x = CROSSINGS[1] + 7.0
+        while x < CROSSINGS[0] - 9:
+            wide = rng.uniform(2.6, 4.2)
+            if min(abs(x + wide / 2 - door) for door in doors) > wide / 2 + 0.9:
+                bed(picture, texels(x, x + wide, *sorted((z + side * 2.2, z + side * 3.45))), rng)
+                x += wide + 0.6
+            x += 0.5
+
+
+SKY_ROSE, GLINT = rgb("dc8f7c"), rgb("fff2cf")   # what water shows
+
+
+def well(picture, x, z):
+    """A well's mouth, level with the street, and the wet ring that the buckets leave."""
+    part = near(x, z, 5)
+    away = np.hypot(X[part] - x, Z[part] - z)
+    wet = smoothstep(3.4, 2.5, away + 0.5 * DAB[part] + 0.3 * PATCH[part])
+    tint(picture[part], wet, 0.56)
+    over(picture[part], SKY_ROSE, wet * smoothstep(1.2, 1.7, GRIT[part] + 0.6 * TUFT[part]) * (1 - joints[part]) * 0.8)
+    kerb_ring(picture, x, z, 1.9, 0.8, 14, 156)
+    water = edge(away - 1.1, 0.9)
+    over(picture[part], rgb("2c3046"), water)
+    over(picture[part], SKY_ROSE * 0.9, water * edge(np.abs(away - 0.7) - 0.13, 0.9) * (Z[part] < z - 0.1) * 0.7)
+    over(picture[part], GLINT, groove(np.hypot((X[part] - x + 0.3) / 1.6, Z[part] - z - 0.3), 1.6))
+
+
+def wear(picture):
+    """What years have left on the streets: stains and blown leaves."""
+    street_at = np.min([np.abs(Z - z) for z in STREETS], axis=0)
+    paved = smoothstep(STREET_HALF, STREET_HALF - 1.0, street_at) * (X > CROSSINGS[1]) * (X < CROSSINGS[0])
+    tint(picture, paved * smoothstep(0.0, 0.8, PATCH + 0.3 * DAB), 0.90)
+    tint(picture, paved * smoothstep(0.1, 0.8, -PATCH + 0.3 * DAB), 1.07)
+    over(picture, LEAVES, paved * smoothstep(STREET_HALF - 2.2, STREET_HALF - 0.6, street_at) *
+         smoothstep(1.5, 1.9, GRIT + 1.2 * TUFT + 0.4 * PATCH) * 0.85)
+
+
+def furnish(picture):
+    """Each street gets its own: carts, the market, flowers, wells; the main street its border."""
+    wheel_tracks(picture, STREETS[1])
+    market(picture, STREETS[2])
+    street_beds(picture, STREETS[4])
+    for x in (-22.0, 26.0, 66.0):
+        well(picture, x, STREETS[5])
 
 
 # ---- yards ----------------------------------------------------------------
 
+BED_DEPTH = 0.94                      # of the beds at the foot of the walls
+STEP_WIDE, STEP_DEEP = 15, 10         # texels, at every door
+KERB_STONE = 9                        # texels, length of a stone of the low kerbs
+
+
+def bed(picture, box, rng, kerb=2):
+    """A bed set texel by texel: a low kerb, soil in its shadow, and bushes in flower."""
+    kerb_frame(picture, box, kerb)
+    inner = within(box, kerb)
+    view = picture[inner]
+    height, width = view.shape[:2]
+    view[:] = SOIL * (1 + 0.10 * np.clip(GRIT[inner], -2, 2))[..., None]
+    view[0] *= 0.6
+    view[:, 0] *= 0.7
+    size = int(np.clip(min(height, width), 4, 6))
+    first_i, first_j = (height % size) // 2, (width % (size + 1)) // 2
+    colours = rng.permutation(len(BED_BLOOMS))[:2]
+    for i in range(first_i, height - size + 1, size):
+        for k, j in enumerate(range(first_j, width - size + 1, size + 1)):
+            bush(view[i:i + size, j:j + size + 1], BED_BLOOMS[colours[(i + k) % 2]], rng)
+
+
+def within(box, rim):
+    """A rectangle of texels without its rim."""
+    return tuple(slice(side.start + rim, side.stop - rim) for side in box)
+
+
+def bush(view, bloom, rng):
+    """A round bush, lit from the upper left, with heads of two texels by two."""
+    height, width = view.shape[:2]
+    i, j = np.mgrid[0:height, 0:width]
+    reach = height / 2
+    body = np.hypot(i - reach + 0.5, j - reach + 0.5) < reach + 0.2
+    shadow = np.roll(body, (1, 1), (0, 1)) & ~body
+    view[shadow] *= 0.5
+    leaf = blended(LEAF, LEAF_LIGHT, np.clip(0.75 - 0.18 * (i + j - 2 * reach + 1), 0, 1))
+    leaf *= (1 + 0.08 * rng.standard_normal((height, width)))[..., None]
+    view[body] = leaf[body]
+    for a, b in ((0, 1), (height - 3, height - 3)):
+        flower(view[a:a + 3, b:b + 3], bloom)
+
+
+def flower(view, colour):
+    """A head of two texels by two, and its shadow."""
+    view[1:, 1:] *= 0.7
+    view[:2, :2] = colour
+    view[1, 1] = colour * 0.82
+
+
+def kerb_frame(picture, box, wide=2):
+    """A kerb some texels wide round a rectangle, lit from the sun's side."""
+    view = picture[box]
+    height, width = view.shape[:2]
+    i, j = np.mgrid[0:height, 0:width]
+    from_edge = np.minimum(np.minimum(i, height - 1 - i), np.minimum(j, width - 1 - j))
+    along = np.where(np.minimum(i, height - 1 - i) < wide, j, i)
+    tone = 0.94 + 0.04 * (along // KERB_STONE * 7919 % 5) + 0.05 * np.clip(GRIT[box], -2, 2)
+    tone += 0.14 * ((i == 0) | (j == 0)) - 0.25 * ((i == height - 1) | (j == width - 1))
+    tone = np.where(along % KERB_STONE == KERB_STONE - 1, 0.55, tone)
+    frame = from_edge < wide
+    view[frame] = (STONE_LIGHT * tone[..., None])[frame]
+    rows, columns = box
+    for beside in ((rows.stop, columns), (rows.start - 1, columns), (rows, columns.stop), (rows, columns.start - 1)):
+        picture[beside] *= 0.5
+
+
+def lawn(picture, box):
+    view = picture[box]
+    view[:] = blended(GRASS, GRASS_LIGHT, smoothstep(-0.2, 0.5, PATCH[box] + 0.4 * DAB[box]))
+    tint(view, smoothstep(0.3, 0.7, BLADES[box]), 1.32)
+    tint(view, smoothstep(0.3, 0.7, -BLADES[box]), 0.72)
+    daisies = GRIT[box] > 2.0
+    view[daisies] = BLOOMS[3]
+    view[0] *= 0.7
+
+
+def vegetables(picture, box, rng):
+    """Rows of soil, each with its plants, two texels across."""
+    view = picture[box]
+    height, width = view.shape[:2]
+    i, j = np.mgrid[0:height, 0:width]
+    view[:] = SOIL * np.array([1.2, 1.05, 0.9, 0.75, 0.62])[i % 5][..., None]
+    view *= (1 + 0.08 * np.clip(GRIT[box], -2, 2))[..., None]
+    for row in range(1, height - 2, 5):
+        colour = [HERB, GRASS_LIGHT, rgb("7c9a52"), rgb("b4566a")][rng.integers(4)]
+        for at in range(1, width - 2, 3):
+            if rng.random() < 0.85:
+                flower(view[row:row + 3, at:at + 3], colour * rng.uniform(0.85, 1.1))
+
+
 def yards(picture):
-    """Trodden earth along every row, then each house's own piece of garden."""
-    for z in ROWS:
-        strip = smoothstep(0.5, -0.5, np.abs(Z - z) - 6.6 + 0.3 * DAB) * \
-            smoothstep(-1.0, 1.0, np.minimum(X + 45.0, 84.0 - X))
-        over(picture, EARTH, strip * 0.85)
-        over(picture, EARTH_LIGHT, strip * smoothstep(0.1, 0.8, PATCH + 0.4 * DAB) * 0.6)
-        over(picture, EARTH_DARK, strip * smoothstep(0.2, 0.9, -PATCH + 0.4 * DAB) * 0.5)
-        grown = strip * smoothstep(0.25, 0.6, DAB * 0.7 + DRIFT + 0.25 * GRIT) * 0.7
-        over(picture, GRASS, grown)
-        grassy(picture, grown)
-        pebbles(picture, strip * (1 - grown), 0.030, 48)
+    """Pale flags along every row, bright enough for the alleys' shade; then each house's foot and plot."""
+    for k, z in enumerate(ROWS):
+        lay_box(picture, texels(GROUPS[-1] - 18.4, GROUPS[0] + 2.4, z - 7.0, z + 7.0), 160 + k, stones=FLAGS,
+                moss=-0.1, course=10, lengths=(12, 19))
+        for x in GROUPS:
+            for low_x, high_x in ((-2.85, -1.6), (-9.05, -7.15), (-19.4, -17.05)):
+                picture[texels(x + low_x, x + high_x, z - 4.6, z + 4.6)] *= 1.36
     rng = np.random.default_rng(SEED * 1000 + 42)
-    for kind, x, z, (low_x, high_x, low_z, high_z) in houses():
+    for kind, x, z, _ in houses():
         for side in (-1, 1):
-            front = high_z if side > 0 else -low_z
-            depth = (z + side * 6.5) * side - front
-            garden(picture, rng, kind, (low_x + high_x) / 2, (high_x - low_x) / 2 - 0.15,
-                   side * (front + depth / 2), depth / 2 - 0.25, x + side * DOORS[kind])
+            plot(picture, rng, kind, x, z, side)
+            house_foot(picture, rng, kind, x, z, side)
 
 
-def garden(picture, rng, kind, x, half_x, z, half_z, door):
-    """One plot before a house: a lawn, beds, flowers or bare earth, and a path to the door."""
-    part = near(x, z, half_x + 2)
-    px, pz = X[part] - x, Z[part] - z
-    wobble = 0.22 * DAB[part] + 0.06 * GRIT[part]
-    plot = smoothstep(0.12, -0.12, np.maximum(np.abs(px) - half_x, np.abs(pz) - half_z) + wobble)
-    here = picture[part]
-    blades = BLADES[part]
-    choice = rng.integers(5) if kind < 2 else rng.integers(2) * 4
+def plot(picture, rng, kind, x, z, side):
+    """What lies between a house's bed and the kerb of its street: the path to the door, and
+    beside it a lawn, vegetables or flowers, but for the hall, which keeps a paved forecourt."""
+    low, high, deep = WALLS[kind]
+    near_z, far_z = z + side * (deep + BED_DEPTH + 0.3), z + side * 6.55
+    door = x + side * DOORS[kind]
+    choice = rng.integers(3)
+    for low_x, high_x in ((x + low + 0.1, door - 0.8), (door + 0.8, x + high - 0.1)):
+        if high_x - low_x < 0.9 or kind == 2:
+            continue
+        box = texels(low_x, high_x, *sorted((near_z, far_z)))
+        if choice == 2:
+            bed(picture, box, rng)
+            continue
+        kerb_frame(picture, box)
+        if choice == 0:
+            lawn(picture, within(box, 2))
+        else:
+            vegetables(picture, within(box, 2), rng)
+    path = texels(door - 0.6, door + 0.6, *sorted((z + side * deep, z + side * 6.6)))
+    lay_box(picture, path, 168 + kind, stones=[STONE_LIGHT * 0.82, STONE_LIGHT * 0.75], moss=-0.3, course=8,
+            lengths=(14, 14))
 
-    def grow(mask):
-        tint(here, mask * smoothstep(0.3, 0.7, blades), 1.38)
-        tint(here, mask * smoothstep(0.3, 0.7, -blades), 0.68)
 
-    if choice in (0, 1, 2):
-        over(here, GRASS if choice else GRASS_LIGHT, plot * 0.85)
-        over(here, GRASS_LIGHT, plot * smoothstep(0.0, 0.6, PATCH[part]) * 0.6)
-        grow(plot)
-    if choice == 1:
-        bed = (pz + 40) % 0.98
-        over(here, EARTH_DARK * (0.70 + 0.45 * smoothstep(0.0, 0.9, bed))[..., None].astype(np.float32), plot * 0.85)
-        heads = (np.abs(bed - 0.6) < 0.12) & (GRIT[part] > -0.2)
-        over(here, rgb("a0b05a") * (1 + 0.2 * blades)[..., None], plot * heads)
-        tint(here, plot * np.roll(heads, 1, 0), 0.75)
-    if choice == 2:
-        for _ in range(9):
-            fx, fz = rng.uniform(-half_x, half_x), rng.uniform(-half_z, half_z)
-            bloom = BLOOMS[rng.integers(4)]
-            away = np.hypot(px - fx, pz - fz)
-            over(here, GRASS_DARK, np.exp(-(away / 0.75) ** 2) * plot * 0.8)
-            heads = (away < 0.5) & (GRIT[part] > 0.3)
-            over(here, bloom * 1.05, heads * plot)
-    if choice == 4:
-        over(here, EARTH_LIGHT, plot * 0.45)
-        straw = smoothstep(0.2, 0.6, DAB[part] + 0.4 * PATCH[part])
-        over(here, rgb("e0c07a"), plot * straw * 0.5)
-        tint(here, plot * straw * smoothstep(0.3, 0.7, blades), 1.3)
-        tint(here, plot * straw * smoothstep(0.3, 0.7, -blades), 0.72)
-    # Slabs laid to the texel, each a little off the line.
-    middle = int(np.round((door + HALF) / TEXEL))
-    step = np.floor_divide(ROW[part], 9)
-    across = COLUMN[part] - middle + (step * 7919 % 3 - 1)
-    down = ROW[part] - step * 9
-    path = (np.abs(across) <= 6) & (np.abs(pz) < half_z + 0.35)
-    slab = path & (np.abs(across) <= 5) & (down >= 1) & (down <= 7)
-    tint(here, path * 1.0, 0.62)
-    tone = 0.86 + 0.04 * (step * 104729 % 5)
-    tone = tone + 0.14 * ((down == 1) | (across == -5)) - 0.16 * ((down == 7) | (across == 5))
-    over(here, STONE_WARM * (tone + 0.05 * np.clip(GRIT[part], -2, 2))[..., None].astype(np.float32), slab * 0.95)
+def house_foot(picture, rng, kind, x, z, side):
+    """A flower bed along the front wall, with steps in it at the door."""
+    low, high, deep = WALLS[kind]
+    reach = sorted((z + side * (deep - 0.2), z + side * (deep + BED_DEPTH)))  # its back lies under the wall
+    bed(picture, texels(x + low, x + high, *reach), rng, kerb=3)
+    column = int(np.round((x + side * DOORS[kind] + HALF) / TEXEL)) - STEP_WIDE // 2
+    row = int(np.round((HALF - z - side * deep) / TEXEL))
+    rows = slice(row - STEP_DEEP, row) if side > 0 else slice(row, row + STEP_DEEP)
+    steps = picture[rows, column:column + STEP_WIDE][::side]  # its first row is now the outermost
+    grain = (1 + 0.05 * np.clip(GRIT[rows, column:column + STEP_WIDE], -2, 2))[..., None]
+    steps[:] = STONE_LIGHT * 0.84 * grain
+    steps[0], steps[1] = JOINT * 0.45, STONE_LIGHT * 1.02
+    steps[4:, 2:-2] = (STONE_LIGHT * grain)[4:, 2:-2]
+    steps[4, 2:-2], steps[5, 2:-2] = JOINT * 0.5, STONE_LIGHT * 1.12
+    steps[:, -1] *= 0.6
+    steps[:, 0] *= 1.1
 
 
 def shade_footprints(picture):
@@ -544,41 +875,28 @@ def shade_footprints(picture):
         low, high, deep = WALLS[kind]
         part = near(x, z, 10)
         distance = box_distance(x + low, x + high, z - deep, z + deep, part)
-        tint(picture[part], np.exp(-np.maximum(distance, 0) / 0.55), 0.50)
+        tint(picture[part], np.exp(-np.maximum(distance, 0) / 0.30), 0.74)
     for box in CASTLE:
         distance = box_distance(*box)
         moss = np.exp(-np.maximum(distance, 0) / 1.2) * smoothstep(-0.4, 0.5, PATCH + DAB * 0.5)
         over(picture, MOSS * 0.8, moss * 0.6)
-        tint(picture, np.exp(-np.maximum(distance, 0) / 1.3), 0.5)
-
-
-def scorch(picture, x, z, reach, strength, distance=None):
-    """Soot that thins outwards, a pale rim of ash, and embers that still glow."""
-    part = near(x, z, reach * 2.4 + 6)
-    if distance is None:
-        away = np.hypot(X[part] - x, Z[part] - z)
-    else:
-        away = np.maximum(distance(part), 0)
-    ragged = away / reach + 0.30 * PATCH[part] + 0.22 * DAB[part]
-    over(picture[part], ASH, np.exp(-((ragged - 1.0) / 0.24) ** 2) * 0.35 * strength)
-    over(picture[part], SOOT, smoothstep(1.05, 0.15, ragged) * 0.88 * strength)
-    return part, ragged
+        tint(picture, np.exp(-np.maximum(distance, 0) / 1.3), 0.62)
 
 
 def burns(picture):
-    for kind, x, z, box in houses():
-        if kind == 2:
-            scorch(picture, x, z, 1.6, 0.25, lambda part, box=box: box_distance(*box, part))
+    """The burnt trees stand in round pits with kerbs, in ash that still glows."""
     for x, z in TREES:
-        part, ragged = scorch(picture, x, z, SCORCHED_TREE, 1.0)
-        glow = smoothstep(0.35, 0.65, DAB[part]) * smoothstep(0.75, 0.2, ragged)
-        over(picture[part], rgb("ff8a2a"), glow * 0.75)
+        part = near(x, z, 5)
+        here = picture[part]
         away = np.hypot(X[part] - x, Z[part] - z)
-        over(picture[part], rgb("c25a1e"), np.exp(-(away / 1.1) ** 2) * 0.35)
-        for root in range(6):  # dark roots running into the soil
-            angle = np.arctan2(Z[part] - z, X[part] - x) - root * 1.047 - 0.25 * np.sin(away * 2 + root)
-            bend = np.abs(np.arctan2(np.sin(angle), np.cos(angle))) * away
-            over(picture[part], SOOT * 0.7, smoothstep(0.24, 0.08, bend) * smoothstep(2.2, 0.8, away) * 0.8)
+        soot = smoothstep(3.4, 1.6, away + 0.5 * PATCH[part] + 0.5 * DAB[part])
+        tint(here, soot, 0.72)
+        pit = edge(away - TREE_PIT, 0.9)
+        over(here, blended(SOOT, ASH * 0.8, smoothstep(0.0, 0.8, DAB[part] + 0.4 * GRIT[part])), pit)
+        embers = smoothstep(0.9, 1.5, GRIT[part] + DAB[part]) * pit
+        over(here, rgb("ff9a3a"), embers * 0.9)
+        over(here, rgb("c25a1e"), np.exp(-(away / 0.8) ** 2) * 0.4)
+        kerb_ring(picture, x, z, TREE_PIT + 0.42, 0.42, 14, 158)
 
 
 def glow(picture):
@@ -590,9 +908,9 @@ def glow(picture):
                           - ((Z[part] - front) / 1.9) ** 2)
             wall = z + side * WALLS[kind][2]
             across, out = X[part] - x, (Z[part] - wall) * side
-            lamp = np.exp(-((across - side * DOORS[kind]) / 1.5) ** 2 - ((out - 0.7) / 1.3) ** 2)
+            lamp = 0.4 * np.exp(-((across - side * DOORS[kind]) / 1.5) ** 2 - ((out - 0.7) / 1.3) ** 2)
             if kind == 2:  # and the hall's big window
-                lamp += 0.9 * np.exp(-((across + side * 3.05) / 0.9) ** 2 - ((out - 0.8) / 1.1) ** 2)
+                lamp += 0.35 * np.exp(-((across + side * 3.05) / 0.9) ** 2 - ((out - 0.8) / 1.1) ** 2)
             picture[part] *= 1 + (pool + 1.5 * lamp)[..., None] * WINDOW_LIGHT
     for x, z in TREES:
         part = near(x, z, 12)
@@ -607,11 +925,15 @@ def main():
     forest_floor(picture)
     yards(picture)
     streets(picture)
-    wear(picture)
-    square(picture)
+    apron(picture)
     castle_road(picture)
+    wear(picture)
+    warm_border(picture)
+    furnish(picture)
+    square(picture)
     burns(picture)
     shade_footprints(picture)
+    trail(picture)
     glow(picture)
     tint(picture, smoothstep(0.1, 0.9, DRIFT), 1.07)
     far_haze(picture)
