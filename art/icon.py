@@ -1,5 +1,5 @@
 """The icon: the poodle's head before the burning dusk, in the title cube's frame. Writes
-packaging/icons/SIZE.png. Three drawings, not one scaled down: what is too small to see is left
+packaging/icons/SIZE.png. Four drawings, not one scaled down: what is too small to see is left
 out, and what the eye looks for is larger.
 """
 import struct
@@ -26,7 +26,10 @@ HEAD = {
               (0.50, 0.46, 0.17, 0.155), (0.40, 0.385, 0.075, 0.05), (0.655, 0.535, 0.125, 0.225)],
     "small": [(0.80, 1.04, 0.30, 0.30), (0.68, 0.80, 0.22, 0.27), (0.53, 0.27, 0.29, 0.19),
               (0.50, 0.47, 0.20, 0.18), (0.66, 0.56, 0.16, 0.26)],
+    "tiny": [(0.86, 1.06, 0.30, 0.30), (0.72, 0.82, 0.22, 0.30), (0.56, 0.23, 0.34, 0.22),
+             (0.52, 0.48, 0.24, 0.21), (0.73, 0.58, 0.17, 0.29)],
 }
+TINY_PIXELS = ((0, 8), (6, 6))              # nose and eye: columns and rows of 16
 # fmt: on
 
 
@@ -65,7 +68,7 @@ class Drawing:
         side = size * SAMPLES
         self.y, self.x = (np.mgrid[0:side, 0:side] + 0.5) / side
         self.size, self.edge = size, 1.0 / side
-        self.detail = "large" if size >= 128 else "middle" if size >= 48 else "small"
+        self.detail = "large" if size >= 128 else "middle" if size >= 48 else "small" if size >= 24 else "tiny"
         self.picture = ramp(self.y, [rgb(c) for c in SKY])
 
     def put(self, distance, colour):
@@ -74,7 +77,7 @@ class Drawing:
 
     def burn(self):
         """Stars above, fire below; on the smallest tile the sky alone."""
-        if self.size < 24:
+        if self.detail == "tiny":
             return
         if self.detail == "large":
             for cx, cy in ((0.16, 0.20), (0.27, 0.13), (0.83, 0.17), (0.89, 0.31), (0.13, 0.36)):
@@ -104,13 +107,23 @@ class Drawing:
         self.put(distance, ramp(light, FUR))
 
     def head(self):
-        small = self.detail == "small"
-        outline = 0.07 if self.size < 24 else 0.035 if small else 0.03
-        tufts = HEAD["small" if small else "large"]
+        outline = {"tiny": 0.07, "small": 0.035}.get(self.detail, 0.03)
+        tufts = HEAD.get(self.detail, HEAD["large"])
         for tuft in tufts[:-1]:
             self.ball(*tuft, outline)
-        self.muzzle(small)
+        if self.detail == "tiny":
+            self.tiny_muzzle()
+        else:
+            self.muzzle(self.detail == "small")
         self.ball(*tufts[-1], outline)
+
+    def tiny_muzzle(self):
+        """A snout with a nose and an eye of one dark pixel each."""
+        snout = tapered(self.x, self.y, (0.46, 0.53), (0.13, 0.57), 0.14, 0.095)
+        self.put(snout, ramp(np.clip(0.95 - (self.y - 0.46) * 2.2, 0, 1), FUR))
+        for column, row in TINY_PIXELS:
+            away = np.maximum(np.abs(self.x * self.size - column - 0.5), np.abs(self.y * self.size - row - 0.5))
+            self.put((away - 0.5) / self.size, rgb("1a0e24"))
 
     def muzzle(self, small):
         x, y, ink = self.x, self.y, rgb("22142c")
@@ -131,7 +144,10 @@ class Drawing:
             self.put(ellipse(x, y, eye[0] - 0.011, eye[1] - 0.013, 0.010, 0.010), rgb("ffffff"))
 
     def frame(self):
-        """The cube's oak with its brass corners; on a small tile one line of brass."""
+        """The cube's oak with its brass corners; on a small tile one line of brass, on the
+        smallest none."""
+        if self.detail == "tiny":
+            return
         x, y = self.x, self.y
         width = {"large": 0.062, "middle": 0.055, "small": 1.0 / self.size}[self.detail]
         inner = rounded(x, y, width, 0.13)

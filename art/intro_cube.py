@@ -24,8 +24,10 @@ RECESS = 0.02                   # how deep the panel lies in its frame
 # The picture, in pixels: three sides in the upper row, the fourth in two halves and the
 # edges' strip below. A side shows about 620 pixels wide on a window 1024 high, so its
 # letters come to the screen nearly one to one.
+# Cells begin at multiples of 16 pixels, and the fourth side's halves overlap by 32: along
+# their seam every mipmap down to a sixteenth holds the same texels in both.
 WIDTH, HEIGHT = 2048, 1024
-SIDE = 672
+SIDE = 662
 GUTTER = 5                      # repeated border pixels between the parts, against bleeding
 CELL = SIDE + 2 * GUTTER
 FRAME = 50
@@ -269,21 +271,24 @@ def tower(cx, top, width, base, roof):
             [(cx - w * 1.45, top + 2), (cx + w * 0.1, top - roof), (cx + w * 1.45, top + 2)])
 
 
-def castle(picture, cx, base):
+def castle(picture, cx, base, size):
+    """The castle on its hill; `size` stretches measures that are given in pixels."""
     shape = picture.shape[:2]
-    walls, roofs = [[(cx - 62, base), (cx - 60, base - 42), (cx + 60, base - 44), (cx + 62, base)]], []
-    for place in ((-56, 78, 28, 44), (-18, 122, 28, 58), (20, 92, 34, 46), (58, 70, 26, 38)):
-        dx, up, width, roof = place
-        wall, cone = tower(cx + dx, base - up, width, base, roof)
+
+    def at(dx, up):
+        return cx + dx * size, base - up * size
+
+    walls, roofs = [[at(-62, 0), at(-60, 42), at(60, 44), at(62, 0)]], []
+    for dx, up, width, roof in ((-56, 78, 28, 44), (-18, 122, 28, 58), (20, 92, 34, 46), (58, 70, 26, 38)):
+        wall, cone = tower(*at(dx, up), width * size, base, roof * size)
         walls.append(wall)
         roofs.append(cone)
-    for k in range(9):
-        left = cx - 56 + k * 13
-        walls.append([(left, base - 40), (left, base - 50), (left + 7, base - 50), (left + 7, base - 40)])
+    for left in range(-56, 61, 13):
+        walls.append([at(left, 40), at(left, 50), at(left + 7, 50), at(left + 7, 40)])
     picture = mix(picture, rgb("533464") * np.ones_like(picture), polygons(shape, *walls))
     picture = mix(picture, rgb("3a2654") * np.ones_like(picture), polygons(shape, *roofs))
     spots = [(-18, 106), (-18, 84), (20, 76), (58, 56), (-56, 62), (-2, 30), (36, 28), (-36, 26)]
-    return windows(picture, [(cx + dx, base - up, 4, 8) for dx, up in spots])
+    return windows(picture, [(*at(dx, up), 4 * size, 8 * size) for dx, up in spots])
 
 
 def windows(picture, places):
@@ -400,24 +405,25 @@ def rim_light(picture, body, colour, light, shift):
 def cover(fonts):
     """Side 0: the burning town at dusk, the title, the key that starts the game."""
     picture = hills(sky(PANEL))
-    picture = castle(picture, PANEL * 0.845, PANEL * 0.60)
+    picture = castle(picture, PANEL * 0.835, PANEL * 0.655, 1.2)
     ground = PANEL * 0.72
-    for place in ((0.40, 62, 44, 30, 3), (0.545, 66, 40, 34, -3), (0.90, 58, 40, 30, 2)):
+    for place in ((0.40, 62, 44, 30, 3), (0.545, 66, 40, 34, -3)):
         at, width, wall, roof, lean = place
         picture = house(picture, PANEL * at, ground - 22, width, wall, roof, lean)
     picture = smoke(picture, PANEL * 0.70, PANEL * 0.60, 60, 51)
     picture = smoke(picture, PANEL * 0.475, PANEL * 0.60, 70, 52)
     picture = fire(picture, PANEL * 0.47, ground - 70, 62, 112, 53)
-    for place in ((0.43, 90, 52, 44, -3), (0.625, 100, 58, 46, 4), (0.835, 88, 46, 40, -4)):
+    for place in ((0.43, 90, 52, 44, -3), (0.60, 100, 58, 46, 4), (0.90, 74, 38, 34, -4)):
         at, width, wall, roof, lean = place
         picture = house(picture, PANEL * at, ground + 2, width, wall, roof, lean)
-    picture = fire(picture, PANEL * 0.705, ground - 84, 80, 128, 54)
-    picture = fire(picture, PANEL * 0.945, ground - 70, 34, 58, 55)
+    picture = fire(picture, PANEL * 0.68, ground - 84, 80, 128, 54)
+    picture = fire(picture, PANEL * 0.965, ground - 60, 30, 50, 55)
     picture = sparks(picture, 1, 60, (PANEL * 0.42, PANEL * 0.34, PANEL, PANEL * 0.66))
     picture, edge = meadow(picture)
     at = PANEL * 0.20
     dog = poodle(picture.shape[:2], at, edge(at) + 3, PANEL * 0.335, seed=46)
     picture = rim_light(picture, dog, rgb("22142a"), rgb("ffb25e"), (2, -3))
+    picture = picture[:, ::-1]  # the castle lies to the left, as it does from where the game starts
     picture = title(picture, fonts)
     return np.clip(cover_keys(picture, fonts), 0, 1)
 
@@ -590,15 +596,16 @@ def battle_sheet(fonts):
         dog = poodle(shape, PANEL * at, 104, 84, flip, seed)
         picture = mix(picture, colour * np.ones_like(picture), dog)
     picture = rule(picture, 122, 215)
-    centred = [(170, ["Walk into an enemy poodle:"]),
-               (220, [("w",), " ", ("s",), "  choose,  ", ("Enter",), "  moves."]),
-               (268, ["Your move, then the enemy's."])]
+    centred = [(160, ["Walk into an enemy poodle:"]),
+               (206, [("w",), " ", ("s",), "  choose,  ", ("Enter",), "  moves."]),
+               (248, ["Your move, then the enemy's;"]),
+               (288, ["after a win the enemy begins."])]
     for y, items in centred:
-        picture = Row(picture, fonts, y, 48, INK).centre(items)
-    picture = rule(picture, 292, 120)
+        picture = Row(picture, fonts, y, 46, INK).centre(items)
+    picture = rule(picture, 310, 120)
     moves = [("ATTACK", "takes 20 to 56"), ("DEFEND", "adds 20 health"), ("SPECIAL", "leaves 1 health, once")]
     for i, (name, effect) in enumerate(moves):
-        y = 336 + 46 * i
+        y = 348 + 42 * i
         picture = Row(picture, fonts, y, 44, RUBRIC, heavy=True).left([name], 40)
         picture = Row(picture, fonts, y, 48, INK).left([effect], 232)
     picture = rule(picture, 450, 120)
@@ -612,10 +619,10 @@ def story_sheet(fonts):
     picture = rule(picture, 104, 215)
     story = ["is a kingdom that burns slowly.", "Its trees were burned by the",
              "TALVERYS; the roofs caught it", "like a rumour. The sun has been",
-             "setting ever since: nobody has", "told it that it may stop. And", "through the sparks trots Quorvel,",
-             "a poodle, asking who began it."]
+             "setting ever since: nobody has", "told it that it may stop. Through", "the sparks trots Quorvel, a poodle,",
+             "to ask at the castle in the west", "who began it all."]
     for i, line in enumerate(story):
-        picture = Row(picture, fonts, 148 + 43 * i, 48, INK).left([line], 48)
+        picture = Row(picture, fonts, 146 + 38 * i, 45, INK).left([line], 46)
     picture = rule(picture, 468, 120)
     credit = ["Made by the Talvery developers. MIT licence.", "Lettering: Zainer Gotico-Antiqua, Junicode."]
     for i, line in enumerate(credit):

@@ -446,10 +446,10 @@ def patchwork(down, seed, first, deepest, wide):
     count = round(360 / wide)
     along = AZIMUTH[None, :] / 360 * count + 0.37 * j + 0.8 * (lane - j) * np.where(j % 2, 1, -0.6)
     i = np.floor(along).astype(int)
-    tones = rng.random((64, 512))
+    tones = rng.random((64, count))  # the last field of a strip meets its first: one horizon
     hedge = np.minimum(np.minimum(along - i, 1 - along + i) * wide,
                        np.minimum(lane - j, 1 - lane + j) * lanes * (first + np.clip(down, 0, None)))
-    return tones[j % 64, i % 512], hedge, along * wide
+    return tones[j % 64, i % count], hedge, along * wide
 
 
 def town_hills(panorama):
