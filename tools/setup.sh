@@ -1,4 +1,5 @@
-# Sourced by ./play and ./check: installs what is missing and builds. Needs $root, the
+# shellcheck shell=bash disable=SC2154
+# Sourced by ./play, ./check and the tools: installs what is missing and builds. Needs $root, the
 # folder of the repository. Every function ends the script on failure.
 
 say() {
@@ -47,21 +48,36 @@ need() {
             "$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)"
 }
 
+# packages PART...: what packages.txt lists in these parts.
 packages() {
-    sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packages.txt"
-}
-
-is_installed() {
-    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
-}
-
-install_missing() {
-    command -v dpkg-query >/dev/null && command -v apt-get >/dev/null ||
-        fail "this is no Debian machine; install the like of these and use cmake:" $(packages)
-    local missing=() package
-    for package in $(packages); do
-        is_installed "$package" || missing+=("$package")
+    local part
+    for part; do
+        grep -qxF "[$part]" "$root/packages.txt" || fail "packages.txt has no part [$part]"
     done
+    awk -v parts=" $* " '
+        {sub(/#.*/, "")}
+        /^\[/ {wanted = index(parts, " " substr($1, 2, length($1) - 2) " "); next}
+        wanted && NF {print $1}' "$root/packages.txt"
+}
+
+# not_installed PACKAGE...: those of them that this machine lacks. Where it has several
+# architectures, a package may be there more than once, or for another one alone.
+not_installed() {
+    local installed
+    installed=$(dpkg-query -W -f='${db:Status-Status} ${Architecture} ${Package}\n' "$@" 2>/dev/null |
+        sed -nE "s/^installed ($(dpkg --print-architecture)|all) //p") || true
+    printf '%s\n' "$@" | grep -vxF -e "$installed" || true
+}
+
+# install_missing PART...: of packages.txt.
+install_missing() {
+    local list wanted missing
+    list=$(packages "$@") || exit
+    mapfile -t wanted <<<"$list"
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        fail "this is no Debian machine; install the like of these and use cmake:" "${wanted[@]}"
+    fi
+    mapfile -t missing < <(not_installed "${wanted[@]}")
     [ ${#missing[@]} -gt 0 ] || return 0
 
     local install=(apt-get install --yes --no-install-recommends "${missing[@]}") as_root=()
@@ -76,17 +92,23 @@ install_missing() {
         fail "could not install ${missing[*]}, see above"
 }
 
-# build PRESET [OPTION...]: configures and builds into build/PRESET.
+# build PRESET [OPTION...] [-- TARGET...]: configures with these options and builds these targets,
+# or all, into build/PRESET.
 build() {
-    local preset=$1
+    local preset=$1 options=() log=$root/build/$1.log
     shift
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        options+=("$1")
+        shift
+    done
+    [ $# -eq 0 ] || set -- --target "${@:2}"
+    need cmake
     say "building ($preset)"
-    local log=$root/build/$preset.log
     mkdir -p "$root/build"
-    (cd "$root" && cmake --preset "$preset" "$@" >"$log" 2>&1) || {
+    (cd "$root" && cmake --preset "$preset" "${options[@]}" >"$log" 2>&1) || {
         cat "$log"
-        fail "cmake could not configure, see above"
+        fail "cmake could not configure, see above; ./check installs what it needs"
     }
-    (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)") ||
+    (cd "$root" && cmake --build --preset "$preset" --parallel "$(nproc)" "$@") ||
         fail "the build failed, see above"
 }
