@@ -1,7 +1,7 @@
 // A headless Chromium, driven over a pipe, and a server for the site. Nothing but Node's own.
 
 import {spawn} from 'node:child_process';
-import {createReadStream, mkdtempSync, rmSync, statSync, writeFileSync} from 'node:fs';
+import {createReadStream, existsSync, mkdtempSync, rmSync, statSync, writeFileSync} from 'node:fs';
 import {createServer} from 'node:http';
 import {tmpdir} from 'node:os';
 import {extname, join, normalize} from 'node:path';
@@ -75,7 +75,7 @@ export class Browser {
         const {targetId} = await this.send('Target.createTarget', {url: 'about:blank'});
         const {sessionId} =
             await this.send('Target.attachToTarget', {targetId, flatten: true});
-        const page = new Page(this, sessionId);
+        const page = new Page(this, targetId, sessionId);
         this.pages.set(sessionId, page);
         for (const domain of ['Page', 'Runtime', 'Log', 'Network']) {
             await page.send(`${domain}.enable`);
@@ -92,8 +92,9 @@ export class Browser {
 }
 
 class Page {
-    constructor(browser, session) {
+    constructor(browser, target, session) {
         this.browser = browser;
+        this.target = target;
         this.session = session;
         this.console = [];  // what was printed, and what went wrong
     }
@@ -112,6 +113,11 @@ class Page {
 
     send(method, params) {
         return this.browser.send(method, params, this.session);
+    }
+
+    close() {
+        this.browser.pages.delete(this.session);
+        return this.browser.send('Target.closeTarget', {targetId: this.target});
     }
 
     resize(width, height, {ratio = 1, mobile = false} = {}) {
@@ -176,24 +182,26 @@ class Page {
     }
 }
 
-// Serves a folder on a free port. `requests` lists what was asked for; a path for which `fault`
-// returns a status gets that instead of the file.
-export async function serve(folder) {
+// Serves folders, one laid over the next, on a free port. `requests` lists what was asked for; a path for which `fault`
+// returns a status gets that instead of the file, one for which it returns a word the half of it.
+export async function serve(...folders) {
     const types = {'.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css',
         '.wasm': 'application/wasm', '.jpg': 'image/jpeg', '.png': 'image/png'};
     const server = createServer((request, answer) => {
         const path = normalize(decodeURIComponent(new URL(request.url, 'http://x').pathname));
-        const file = join(folder, path.endsWith('/') ? `${path}index.html` : path);
+        const file = folders.map((folder) =>
+            join(folder, path.endsWith('/') ? `${path}index.html` : path)).find(existsSync);
         site.requests.push(path);
-        const stat = statSync(file, {throwIfNoEntry: false});
-        const status = site.fault(path) ?? (stat?.isFile() ? 200 : 404);
-        if (status !== 200) {
-            answer.writeHead(status).end();
+        const fault = site.fault(path) ?? (file ? undefined : 404);
+        if (fault > 0) {
+            answer.writeHead(fault).end();
             return;
         }
+        const stat = statSync(file);
+        const end = fault ? Math.floor(stat.size / 2) : stat.size;
         answer.writeHead(200, {'Content-Type': types[extname(file)] ?? 'application/octet-stream',
-            'Content-Length': stat.size, 'Last-Modified': stat.mtime.toUTCString()});
-        createReadStream(file).pipe(answer);
+            'Content-Length': end, 'Last-Modified': stat.mtime.toUTCString()});
+        createReadStream(file, {end: end - 1}).pipe(answer);
     });
     const site = {requests: [], fault: () => undefined, close: () => server.close()};
     await new Promise((done) => server.listen(0, '127.0.0.1', done));

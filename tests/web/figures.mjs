@@ -1,0 +1,69 @@
+// Measures the game in a browser: what a frame of its own takes, without the drawing, and what is
+// drawn in it; how soon the title stands; what the tab holds.
+//
+// Usage: figures.mjs SITE
+
+import assert from 'node:assert';
+import {readFileSync} from 'node:fs';
+import {Browser, serve} from './browser.mjs';
+import {watch} from './watch.mjs';
+
+const FRAMES = 60;
+const DRAW_CALLS = 1000;  // in a frame of the town, at the most
+
+const server = await serve(process.argv[2]);
+const browser = new Browser();
+const page = await browser.page();
+await page.before(watch);
+const visit = async () => {
+    await page.open(server.address);
+    return page.until('the title', () => window.watched?.frames > 2 && window.watched.first);
+};
+const median = (numbers) => numbers.sort((a, b) => a - b)[Math.floor(numbers.length / 2)];
+
+// What is drawn is left out: in software it takes many times what the program itself does.
+async function frame(name) {
+    await page.call(() => { window.watched.skip = true; });
+    const all = await page.call(async (count) => {
+        const frames = [];
+        while (frames.length < count) {
+            frames.push(await window.watched.frame());
+        }
+        return frames;
+    }, FRAMES);
+    const of = (key) => median(all.map((one) => one[key]));
+    console.log(`${name}: ${of('ms').toFixed(1)} ms a frame without the drawing, `
+        + `${of('calls')} draw calls, ${of('vertices')} vertices`);
+    assert.strictEqual(Math.max(...all.slice(1).map(({created}) => created)), 0,
+        `${name}: no frame makes buffers, textures or programs`);
+    await page.call(() => { window.watched.skip = false; });
+    return of('calls');
+}
+
+async function megabytesOf(type) {
+    const {processInfo} = await browser.send('SystemInfo.getProcessInfo');
+    const held = processInfo.filter((one) => one.type === type).map(({id}) =>
+        Number(/^Pss:\s+(\d+)/m.exec(readFileSync(`/proc/${id}/smaps_rollup`, 'utf8'))[1]));
+    return Math.round(Math.max(...held) / 1000);
+}
+
+await visit();
+const firsts = [];
+for (let i = 0; i < 5; ++i) {
+    firsts.push(await visit());
+}
+console.log(`the title ${(median(firsts) / 1000).toFixed(1)} s after navigation, files kept`);
+await frame('title');
+await page.press('p');
+await page.call(async () => {
+    for (let i = 0; i < 60; ++i) {
+        await window.watched.frame();
+    }
+});
+const calls = await frame('town');
+console.log(`the tab holds ${await megabytesOf('renderer')} MB, and the process that draws for all `
+    + `tabs (here in software) ${await megabytesOf('GPU')} MB`);
+assert(calls <= DRAW_CALLS, `a town frame takes no more than ${DRAW_CALLS} draw calls`);
+
+await browser.close();
+server.close();
