@@ -17,7 +17,7 @@ const KEYS = {
     Escape: {code: 'Escape', windowsVirtualKeyCode: 27},
     Enter: {code: 'Enter', windowsVirtualKeyCode: 13, text: '\r'},
     ' ': {code: 'Space', windowsVirtualKeyCode: 32, text: ' '},
-    ArrowDown: {code: 'ArrowDown', windowsVirtualKeyCode: 40},
+    ',': {code: 'Comma', windowsVirtualKeyCode: 188, text: ','},
 };
 
 export const sleep = (seconds) => new Promise((done) => setTimeout(done, 1000 * seconds));

@@ -27,9 +27,9 @@ async function opened(options = {}) {
 
 const running = (page) => page.until('the first frame', () => window.watched?.frames > 0);
 
-// Waits until the page says this to the player, and takes a picture of it.
+// Waits until the page says this, a regular expression, to the player, and takes a picture of it.
 async function says(page, text, picture) {
-    await page.until(`"${text}"`, (wanted) => document.body.innerText.includes(wanted), text);
+    await page.until(`"${text}"`, (wanted) => document.body.innerText.match(wanted), text);
     await page.picture(join(pictures, `${picture}.png`));
 }
 
@@ -49,7 +49,9 @@ async function round(name, what) {
 }
 
 await round('a visit, and a second one that loads nothing', async () => {
-    const page = await opened();
+    const page = await opened({before: (its) => its.send('Network.emulateNetworkConditions',
+        {offline: false, latency: 0, downloadThroughput: 5e6, uploadThroughput: 5e6})});
+    await says(page, '\\d of 2\\d\\.\\d MB', 'loading');
     await running(page);
     assert.strictEqual(dataOf(server.requests).length, 30);
     assert.strictEqual(await page.call(() => document.title), 'Talvery');
@@ -113,7 +115,7 @@ await round('the keys, laid over the game', async () => {
 await round('a file that is missing, and one that is damaged', async () => {
     const faults = {castleMAPPED: 404, brick: 'damaged'};
     server.fault = (path) => Object.entries(faults).find(([name]) => path.includes(name))?.[1];
-    const page = await opened();
+    const page = await opened({before: (its) => its.send('Network.clearBrowserCache')});
     await says(page, 'castleMAPPED.obj', 'missing');
     await says(page, 'brick.bmp', 'missing');
     server.fault = () => undefined;

@@ -96,7 +96,7 @@ async function load(file) {
     const unpacked = counted.pipeThrough(new DecompressionStream('gzip'));
     const bytes = new Uint8Array(await new Response(unpacked).arrayBuffer());
     if (bytes.length !== file.size) {
-        throw new Error('it is damaged');
+        throw new TypeError('another length');
     }
     contents.set(file.name, bytes);
 }
@@ -108,7 +108,7 @@ async function loadAll() {
         file.arrived = 0;
         return load(file).then(() => { file.failed = undefined; }, (reason) => {
             file.arrived = 0;
-            file.failed = reason.message;
+            file.failed = reason instanceof TypeError ? 'not whole' : reason.message;
         });
     }));
     const failed = missing.filter((file) => file.failed);
@@ -156,6 +156,7 @@ async function start() {
     game.callMain([]);
     if (!over) {
         say('running', '');
+        wake();
         canvas.focus();
     }
     // The motions are read while the game runs; the rest only takes memory.
