@@ -21,22 +21,16 @@ const visit = async () => {
 };
 const median = (numbers) => numbers.sort((a, b) => a - b)[Math.floor(numbers.length / 2)];
 
+const step = (count, drawn) => page.call((...words) => window.watched.step(...words), count, drawn);
+
 // What is drawn is left out: in software it takes many times what the program itself does.
 async function frame(name) {
-    await page.call(() => { window.watched.skip = true; });
-    const all = await page.call(async (count) => {
-        const frames = [];
-        while (frames.length < count) {
-            frames.push(await window.watched.frame());
-        }
-        return frames;
-    }, FRAMES);
-    const of = (key) => median(all.map((one) => one[key]));
-    console.log(`${name}: ${of('ms').toFixed(1)} ms a frame without the drawing, `
-        + `${of('calls')} draw calls, ${of('vertices')} vertices`);
-    assert.strictEqual(Math.max(...all.slice(1).map(({created}) => created)), 0,
+    const all = await step(FRAMES, false);
+    const of = (key) => all.reduce((sum, one) => sum + one[key], 0) / FRAMES;
+    console.log(`${name}: ${of('ms').toFixed(2)} ms a frame without the drawing, `
+        + `${Math.round(of('calls'))} draw calls, ${Math.round(of('vertices'))} vertices`);
+    assert.strictEqual(Math.max(...all.map(({created}) => created)), 0,
         `${name}: no frame makes buffers, textures or programs`);
-    await page.call(() => { window.watched.skip = false; });
     return of('calls');
 }
 
@@ -55,11 +49,8 @@ for (let i = 0; i < 5; ++i) {
 console.log(`the title ${(median(firsts) / 1000).toFixed(1)} s after navigation, files kept`);
 await frame('title');
 await page.press('p');
-await page.call(async () => {
-    for (let i = 0; i < 60; ++i) {
-        await window.watched.frame();
-    }
-});
+await step(FRAMES, false);
+await step(1, true);
 const calls = await frame('town');
 console.log(`the tab holds ${await megabytesOf('renderer')} MB, and the process that draws for all `
     + `tabs (here in software) ${await megabytesOf('GPU')} MB`);

@@ -6,7 +6,7 @@
 import assert from 'node:assert';
 import {mkdirSync} from 'node:fs';
 import {join} from 'node:path';
-import {Browser, serve, until} from './browser.mjs';
+import {Browser, serve} from './browser.mjs';
 import {watch} from './watch.mjs';
 
 const [site, pictures] = process.argv.slice(2);
@@ -28,9 +28,13 @@ await page.before(watch);
 await page.open(server.address);
 await page.until('the title', () => window.watched?.frames > 3);
 
+const frames = (count, drawn = false) =>
+    page.call((...words) => window.watched.step(...words), count, drawn);
+
 let taken = 0;
 async function picture(name) {
     taken++;
+    await frames(1, true);
     await page.picture(join(pictures, `${String(taken).padStart(2, '0')}-${name}.png`));
     console.log(`   ${name}`);
 }
@@ -39,29 +43,27 @@ const white = (part) => page.call((...place) => window.watched.white(...place), 
 const textIn = async (part) => (await white(part)).length >= TEXT_PIXELS;
 const noTextIn = async (part) => !await textIn(part);
 
-async function frames(count) {
-    for (let i = 0; i < count; ++i) {
-        await page.call(() => window.watched.frame());
-    }
-}
-
 // Short presses, a few between two frames.
 async function press(key, times = 1) {
     for (let left = times; left > 0; left -= KEYS_A_FRAME) {
         await page.press(key, Math.min(left, KEYS_A_FRAME));
         await frames(1);
     }
-    await frames(1);
 }
 
 // Waits until the condition holds; presses the key, where one is named, meanwhile.
 async function waitFor(what, condition, key = undefined) {
-    await until(what, async () => {
+    for (let i = 0; i < 100; ++i) {
         if (key) {
             await press(key);
         }
-        return condition();
-    });
+        await frames(5);
+        if (await condition()) {
+            return;
+        }
+    }
+    await picture('failed');
+    throw new Error(`waited in vain for ${what}`);
 }
 
 // The battle message on the screen, told by the gaps between its words.
@@ -79,11 +81,11 @@ async function message() {
 const messageIs = (wanted) => async () => await message() === wanted;
 
 await picture('title');
-await page.press('n');
+await press('n');
 await frames(60);
 await picture('turning-cube');
 await frames(CUBE_TURNS - 60);
-await page.press('m');
+await press('m');
 await frames(CUBE_TURNS);
 
 await press('p');
@@ -95,7 +97,7 @@ await press('a', 12);
 await page.key('keyDown', 'w');
 for (let i = 0; i < 10; ++i) {
     await page.key('keyDown', 'w', {autoRepeat: true});
-    await frames(1);
+    await frames(2);
 }
 await picture('walking');
 await page.key('keyUp', 'w');
@@ -135,10 +137,10 @@ await press('Enter');
 await waitFor('the win', () => noTextIn(FIGHT_OPTIONS));
 await picture('town-after-the-win');
 
-await page.press('Escape');
+await press('Escape');
 await waitFor('the title', () => noTextIn(STATUS_PANEL));
 await picture('title-again');
-await page.press('Escape');
+await press('Escape');
 await page.until('the end', () => document.body.innerText.includes('The game has ended.'));
 assert.deepStrictEqual(page.console.filter((line) => /exception|error/i.test(line)), []);
 
