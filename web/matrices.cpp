@@ -12,73 +12,45 @@ struct Stack {
     glm::mat4 matrices[STACK_DEPTH] = {glm::mat4(1)};
     int top = 0;
 };
-
 constinit Stack modelviewStack;
 constinit Stack projectionStack;
 constinit Stack *stack = &modelviewStack;
 
-glm::mat4 &top(const char *name) {
-    requireOutside(name);
+glm::mat4 &top(const char *call = __builtin_FUNCTION()) {
+    requireOutside(call);
     return stack->matrices[stack->top];
 }
 
 }  // namespace
 
-const glm::mat4 &modelview() {
-    return modelviewStack.matrices[modelviewStack.top];
-}
-
-const glm::mat4 &projection() {
-    return projectionStack.matrices[projectionStack.top];
-}
+// clang-format off
+const glm::mat4 &modelview() { return modelviewStack.matrices[modelviewStack.top]; }
+const glm::mat4 &projection() { return projectionStack.matrices[projectionStack.top]; }
 
 }  // namespace web
 
 using namespace web;
 
 void glMatrixMode(GLenum mode) {
-    requireOutside("glMatrixMode");
-    if (mode != GL_MODELVIEW && mode != GL_PROJECTION) {
-        fail("glMatrixMode", "only of the modelview and the projection matrix");
-    }
+    requireOutside();
+    require(mode == GL_MODELVIEW || mode == GL_PROJECTION);
     stack = mode == GL_MODELVIEW ? &modelviewStack : &projectionStack;
 }
-
 void glPushMatrix() {
-    const glm::mat4 &pushed = top("glPushMatrix");
-    if (stack->top + 1 == STACK_DEPTH) {
-        fail("glPushMatrix", "the stack is full");
-    }
-    stack->matrices[++stack->top] = pushed;
+    require(stack->top + 1 < STACK_DEPTH);
+    stack->matrices[stack->top + 1] = top();
+    ++stack->top;
 }
-
 void glPopMatrix() {
-    requireOutside("glPopMatrix");
-    if (stack->top == 0) {
-        fail("glPopMatrix", "the stack is empty");
-    }
+    requireOutside();
+    require(stack->top > 0);
     --stack->top;
 }
-
-void glLoadIdentity() {
-    top("glLoadIdentity") = glm::mat4(1);
+void glLoadIdentity() { top() = glm::mat4(1); }
+void glMultMatrixf(const float *elements) { top() *= glm::make_mat4(elements); }
+void glTranslatef(float x, float y, float z) { top() = glm::translate(top(), {x, y, z}); }
+void glScalef(float x, float y, float z) { top() = glm::scale(top(), {x, y, z}); }
+void glRotatef(float degrees, float x, float y, float z) {
+    top() = glm::rotate(top(), glm::radians(degrees), {x, y, z});
 }
-
-void glMultMatrixf(const GLfloat *elements) {
-    top("glMultMatrixf") *= glm::make_mat4(elements);
-}
-
-void glTranslatef(GLfloat x, GLfloat y, GLfloat z) {
-    glm::mat4 &m = top("glTranslatef");
-    m = glm::translate(m, {x, y, z});
-}
-
-void glScalef(GLfloat x, GLfloat y, GLfloat z) {
-    glm::mat4 &m = top("glScalef");
-    m = glm::scale(m, {x, y, z});
-}
-
-void glRotatef(GLfloat degrees, GLfloat x, GLfloat y, GLfloat z) {
-    glm::mat4 &m = top("glRotatef");
-    m = glm::rotate(m, glm::radians(degrees), {x, y, z});
-}
+// clang-format on
