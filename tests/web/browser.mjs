@@ -182,8 +182,9 @@ class Page {
     }
 }
 
-// Serves folders, one laid over the next, on a free port. `requests` lists what was asked for; a path for which `fault`
-// returns a status gets that instead of the file, one for which it returns a word the half of it.
+// Serves folders, one laid over the next, on a free port. `requests` lists what was asked for; a
+// path for which `fault` returns a status gets that instead of the file, one for which it returns a
+// word gets half of it.
 export async function serve(...folders) {
     const types = {'.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css',
         '.wasm': 'application/wasm', '.jpg': 'image/jpeg', '.png': 'image/png'};

@@ -95,6 +95,14 @@ await round('a change of size, and a dense display', async () => {
     await page.picture(join(pictures, 'dense.png'));
 });
 
+await round('a display that is faster than the game', async () => {
+    const page = await opened();
+    await running(page);
+    const second = await page.call(() => window.watched.step(144, false, 1000 / 144));
+    const drawn = second.filter(({calls}) => calls > 0).length;
+    assert(drawn > 55 && drawn <= 61, `${drawn} frames in a second`);
+});
+
 await round('Escape on the title, and another round', async () => {
     const page = await opened();
     await running(page);
@@ -104,12 +112,19 @@ await round('Escape on the title, and another round', async () => {
     await running(page);
 });
 
-await round('the keys, laid over the game', async () => {
+await round('the two buttons, which leave the keys to the game', async () => {
     const page = await opened();
     await running(page);
-    await page.call(() => document.getElementById('keys').click());
+    const click = (id) => page.call((name) => document.getElementById(name).click(), id);
+    await click('keys');
     await says(page, 'walk forward, back', 'keys');
+    await says(page, 'In full screen, Escape goes to the game', 'keys');
+    await click('fullscreen');
+    await page.until('the full screen', () => document.fullscreenElement);
+    await says(page, 'Leave full screen', 'full-screen');
     assert.strictEqual(await page.call(() => document.activeElement.id), 'canvas');
+    await click('fullscreen');
+    await page.until('the window', () => !document.fullscreenElement);
 });
 
 await round('a file that is missing, and one that is damaged', async () => {

@@ -147,7 +147,7 @@ if (table.length > 0) {
 }
 if (table.length === 0 || lost.length > 0 || excess(table[0]) > 1) {
     console.error(`look at ${join(folder, 'worst.png')}: ${lost.length} pictures are missing, and `
-        + `no more than ${100 * ALLOWED} % of the pixels may differ by more than 5 %, and in no tile `
-        + `${100 * ALLOWED_THERE} % from all pixels there`);
+        + `no more than ${100 * ALLOWED} % of the pixels may differ by more than 5 %, in no tile `
+        + `${100 * ALLOWED_THERE} % from all the pixels there`);
     process.exit(1);
 }

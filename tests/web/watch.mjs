@@ -3,9 +3,10 @@
 //
 // watched.frames               how many it has drawn
 // watched.first                when the first was, in milliseconds since navigation
-// watched.step(count, drawn)   from then on frames come only by this, and end at once: a round then
-//                              takes the same course on a slow machine. Returns what each one took;
-//                              one that is not drawn does all but the draw calls.
+// watched.step(count, drawn, ms)   from then on frames come only by this, so many milliseconds after
+//                              one another for the game, and in truth at once: a round takes the same
+//                              course on any machine. Returns what each one took; one that is not
+//                              drawn does all but the draw calls.
 // watched.white(x, y, width, height)   the columns of the pixels of pure white in this part of the
 //                              next frame; y from above
 export function watch() {
@@ -53,7 +54,7 @@ export function watch() {
         wrap(name, () => ++now.created);
     }
 
-    watched.step = async (count, drawn) => {
+    watched.step = async (count, drawn, ms = 17) => {
         held = true;
         while (kept.length === 0) {
             await new Promise((done) => setTimeout(done));
@@ -61,7 +62,7 @@ export function watch() {
         const frames = [];
         drawing = drawn;
         while (frames.length < count && kept.length > 0) {
-            frames.push(run(kept.shift(), clock + 17));
+            frames.push(run(kept.shift(), clock + ms));
         }
         drawing = true;
         return frames;
