@@ -3,7 +3,6 @@
 #include <GL/gl.h>
 
 #include <glm/glm.hpp>
-#include <vector>
 
 // What the files of this OpenGL share. It has the calls that the game makes and no more: any
 // other does not link, and one made otherwise than by the game ends the program with its name.
@@ -24,11 +23,8 @@ const glm::mat4 &projection();
 extern glm::ivec4 viewport;  // left, bottom, width, height
 
 constexpr int LIGHTS = 2;
-struct Lights {
-    glm::vec4 position[LIGHTS];
-    glm::vec3 ambient[LIGHTS], diffuse[LIGHTS];
-};
-extern Lights lights;
+extern glm::vec4 lightPosition[LIGHTS];
+extern glm::vec3 lightAmbient[LIGHTS], lightDiffuse[LIGHTS];
 
 // clang-format off
 enum Capability { TEXTURING, LIGHTING, BLENDING, DEPTH_TEST, STENCIL_TEST, COLOUR_MATERIAL,
@@ -40,16 +36,16 @@ struct State {
     glm::mat4 projection = glm::mat4(1);
     bool on[CAPABILITIES] = {};
     GLuint texture = 0;
-    GLenum blendFactors[2] = {GL_ONE, GL_ZERO};  // of the source, of the picture
+    glm::uvec2 blendFactors = {GL_ONE, GL_ZERO};  // of the source, of the picture
     GLenum stencilFunction = GL_ALWAYS;
     GLint stencilReference = 0;
     GLuint stencilMask = ~0U;
-    GLenum stencilOperations[3] = {GL_KEEP, GL_KEEP, GL_KEEP};
+    glm::uvec3 stencilOperations = {GL_KEEP, GL_KEEP, GL_KEEP};
     bool operator==(const State &) const = default;
 };
-State currentState();           // as the game has set it
+extern State state;             // as the game has set it, but for the projection
+State currentState();           // with it
 void apply(const State &next);  // makes it WebGL's, by the calls that it takes
-void bindTexture(GLuint name);
 
 // --- Drawing -----------------------------------------------------------------------------
 
@@ -63,14 +59,14 @@ extern Vertex current;  // colour, normal and texture coordinate that the next o
 
 // Triangles in a buffer of their own, in model coordinates; drawn in the current colour.
 struct Mesh {
-    GLuint array;
+    GLuint array, buffer;
     int count;
 };
-Mesh makeMesh(const std::vector<Vertex> &vertices);
+Mesh makeMesh(const Vertex *vertices, int count);
 void drawMesh(const Mesh &mesh, const glm::mat4 &model);
 
 // Points or triangles in the world; a thousand vertices at most for each beginning.
-void beginStream(const State &state, GLenum mode);
+void beginStream(const State &how, GLenum mode);
 void addToStream(const Vertex &vertex);
 
 // What is drawn waits here until the end of the frame, or until something would change it: then
@@ -84,6 +80,8 @@ struct Uniforms {
     GLint projection, model, texturing, lighting, lightPosition, lightAmbient, lightDiffuse;
 };
 extern Uniforms uniforms;  // their locations
-void initShaders();        // in a new context
+
+void initShaders();  // in a new context
+void initDrawing();
 
 }  // namespace web

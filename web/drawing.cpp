@@ -1,22 +1,17 @@
-#include <GL/glut.h>
 #include <webgl/webgl1.h>
 #include <webgl/webgl2.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <glm/gtc/matrix_inverse.hpp>
 #include <glm/gtc/type_ptr.hpp>
 #include <initializer_list>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "context.h"
-
-// In glut.js.
-extern "C" void openWindow(const char *title);
-extern "C" void abortWith(const char *sentence);
 
 namespace web {
 
@@ -24,11 +19,10 @@ constinit Vertex current = {{}, {0, 0, 1}, {1, 1, 1, 1}, {}};
 
 namespace {
 
-constexpr int STREAM_VERTICES = 1 << 16;
-constexpr int STREAM_ROOM = 1 << 10;  // for what follows one beginStream
 constexpr int MAX_DRAWS = 2048;
 constexpr int MAX_LISTS = 16;
-
+constexpr int STREAM_VERTICES = 1 << 16;
+constexpr int STREAM_ROOM = 1 << 10;  // for what follows one beginStream
 // The buffer of the stream has parts that take turns: nothing is overwritten that the graphics
 // card may still be reading for the frame before.
 constexpr int STREAM_PARTS = 3;
@@ -49,10 +43,8 @@ struct List {
 };
 
 constinit Vertex stream[STREAM_VERTICES] = {};
-constinit int streamUsed = 0;
-constinit int streamPart = 0;
-constinit GLuint streamArray = 0;
-constinit GLuint streamBuffer = 0;
+constinit int streamUsed = 0, streamPart = 0;
+constinit Mesh streamMesh = {};
 constinit Draw draws[MAX_DRAWS] = {};
 constinit int drawCount = 0;
 
@@ -75,58 +67,53 @@ void describe(Attribute attribute, int size, std::size_t offset) {
                                      reinterpret_cast<const void *>(offset));
 }
 
-GLuint makeArray(const Vertex *vertices, std::size_t count, GLuint *buffer) {
-    GLuint array = 0;
-    emscripten_glGenVertexArrays(1, &array);
-    emscripten_glBindVertexArray(array);
-    emscripten_glGenBuffers(1, buffer);
-    emscripten_glBindBuffer(GL_ARRAY_BUFFER, *buffer);
-    emscripten_glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * sizeof(Vertex)),
-                            vertices, vertices == nullptr ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW);
-    describe(POSITION, 4, offsetof(Vertex, position));
-    describe(NORMAL, 3, offsetof(Vertex, normal));
-    describe(TEX_COORD, 2, offsetof(Vertex, texCoord));
-    return array;
-}
-
-void addDraw(const Draw &draw) {
-    if (drawCount == MAX_DRAWS) {
+void makeRoom() {
+    if (drawCount == MAX_DRAWS || streamUsed > STREAM_VERTICES - STREAM_ROOM) {
         drawWaiting();
     }
-    draws[drawCount++] = draw;
 }
 
 // Of the corners, whole triangles.
 void addCorners(std::initializer_list<int> which) {
     for (const int i : which) {
-        if (compiling != nullptr) {
-            compiled.push_back(corners[i]);
-        } else {
-            addToStream(corners[i]);
-        }
+        compiling != nullptr ? compiled.push_back(corners[i]) : addToStream(corners[i]);
     }
 }
 
 }  // namespace
 
-Mesh makeMesh(const std::vector<Vertex> &vertices) {
-    GLuint buffer = 0;
-    return {makeArray(vertices.data(), vertices.size(), &buffer),
-            static_cast<int>(vertices.size())};
+Mesh makeMesh(const Vertex *vertices, int count) {
+    Mesh mesh = {0, 0, count};
+    emscripten_glGenVertexArrays(1, &mesh.array);
+    emscripten_glBindVertexArray(mesh.array);
+    emscripten_glGenBuffers(1, &mesh.buffer);
+    emscripten_glBindBuffer(GL_ARRAY_BUFFER, mesh.buffer);
+    emscripten_glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * sizeof(Vertex)),
+                            vertices, vertices == nullptr ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW);
+    describe(POSITION, 4, offsetof(Vertex, position));
+    describe(NORMAL, 3, offsetof(Vertex, normal));
+    describe(TEX_COORD, 2, offsetof(Vertex, texCoord));
+    return mesh;
+}
+
+void initDrawing() {
+    streamMesh = makeMesh(nullptr, STREAM_PARTS * STREAM_VERTICES);
+    describe(COLOUR, 4, offsetof(Vertex, colour));
 }
 
 void drawMesh(const Mesh &mesh, const glm::mat4 &model) {
-    addDraw({currentState(), mesh.array, GL_TRIANGLES, 0, mesh.count, model, current.colour});
+    makeRoom();
+    draws[drawCount++] = {currentState(), mesh.array, GL_TRIANGLES,  0,
+                          mesh.count,     model,      current.colour};
 }
 
-void beginStream(const State &state, GLenum mode) {
-    if (streamUsed > STREAM_VERTICES - STREAM_ROOM) {
-        drawWaiting();
-    }
+void beginStream(const State &how, GLenum mode) {
+    makeRoom();
     const Draw &last = draws[std::max(drawCount - 1, 0)];
-    if (drawCount == 0 || last.array != streamArray || last.mode != mode || last.state != state) {
+    if (drawCount == 0 || last.array != streamMesh.array || last.mode != mode ||
+        last.state != how) {
         const int first = streamPart * STREAM_VERTICES + streamUsed;
-        addDraw({state, streamArray, mode, first, 0, glm::mat4(1), {}});
+        draws[drawCount++] = {how, streamMesh.array, mode, first, 0, glm::mat4(1), {}};
     }
 }
 
@@ -138,7 +125,7 @@ void addToStream(const Vertex &vertex) {
 
 void drawWaiting() {
     if (streamUsed > 0) {
-        emscripten_glBindBuffer(GL_ARRAY_BUFFER, streamBuffer);
+        emscripten_glBindBuffer(GL_ARRAY_BUFFER, streamMesh.buffer);
         emscripten_glBufferSubData(GL_ARRAY_BUFFER,
                                    static_cast<GLintptr>(streamPart * sizeof stream),
                                    static_cast<GLsizeiptr>(streamUsed * sizeof *stream), stream);
@@ -154,14 +141,6 @@ void drawWaiting() {
     });
 }
 
-void require(bool right, const char *call) {
-    if (!right) {
-        static char sentence[100];
-        snprintf(sentence, sizeof sentence, "%s: only what the game needs is here", call);
-        abortWith(sentence);
-    }
-}
-
 void requireOutside(const char *call) {
     require(!begun && compiling == nullptr, call);
 }
@@ -171,15 +150,6 @@ void requireOutside(const char *call) {
 using namespace web;
 
 // clang-format off
-int glutCreateWindow(const char *title) {
-    openWindow(title);
-    initShaders();
-    streamArray = makeArray(nullptr, STREAM_PARTS * STREAM_VERTICES, &streamBuffer);
-    describe(COLOUR, 4, offsetof(Vertex, colour));
-    return 1;
-}
-void glutSwapBuffers() { drawWaiting(); }
-
 void glBegin(GLenum mode) {
     require(!begun && (mode == GL_TRIANGLES || mode == GL_QUADS || mode == GL_POLYGON));
     begun = true;
@@ -237,7 +207,7 @@ void glEndList() {
     require(!begun && compiling != nullptr);
     // A normal or texture coordinate that the list does not say itself would be the caller's.
     require(compiled.empty() || !std::isnan(compiled[0].normal.x + compiled[0].texCoord.x));
-    compiling->mesh = makeMesh(compiled);
+    compiling->mesh = makeMesh(compiled.data(), static_cast<int>(compiled.size()));
     std::exchange(compiling, nullptr)->last = std::exchange(current, outsideList);
     compiled = {};
 }
@@ -245,9 +215,7 @@ void glCallList(GLuint name) {
     requireOutside();
     require(name > 0 && name < listCount);
     const List &list = lists[name];
-    if (list.texture != 0) {
-        bindTexture(list.texture);
-    }
+    state.texture = list.texture != 0 ? list.texture : state.texture;
     if (list.mesh.count > 0) {
         drawMesh(list.mesh, modelview());
         current.normal = list.last.normal;
@@ -256,10 +224,6 @@ void glCallList(GLuint name) {
 }
 void glBindTexture(GLenum target, GLuint name) {
     require(target == GL_TEXTURE_2D && !begun && (compiling == nullptr || compiled.empty()));
-    if (compiling == nullptr) {
-        bindTexture(name);
-    } else {
-        compiling->texture = name;
-    }
+    (compiling == nullptr ? state.texture : compiling->texture) = name;
 }
 // clang-format on

@@ -1,6 +1,6 @@
-// GLUT but for its shapes and text. Its window is the page's <canvas id="canvas" tabindex="0">,
-// without border or padding, as large as the page's style makes it, whatever size is asked for. The
-// page gives it the focus; everything else is done here.
+// GLUT's window and its events. It is the page's <canvas id="canvas" tabindex="0">, without border
+// or padding, as large as the page's style makes it, whatever size is asked for. The page gives it
+// the focus; everything else is done here.
 
 // The linker's own OpenGL is put out of reach: what this folder lacks does not link, instead of
 // doing something else. WebGL's functions keep their names with "emscripten_" in front.
@@ -14,7 +14,7 @@ const LibraryGLUT = {
     $glut: {redisplay: true},
 
     glutInit: function (count, words) {},
-    glutInitDisplayMode: function (mode) {},  // the game's is openWindow's
+    glutInitDisplayMode: function (mode) {},  // openWindow has the game's: double, depth, stencil
     glutInitWindowSize: function (width, height) {},
     glutFullScreen: function () {},
     glutDisplayFunc: function (call) { glut.display = getWasmTableEntry(call); },
@@ -26,17 +26,14 @@ const LibraryGLUT = {
     glutIdleFunc: function (call) { glut.idle = getWasmTableEntry(call); },
     glutPostRedisplay: function () { glut.redisplay = true; },
 
-    abortWith: function (sentence) { abort(UTF8ToString(sentence)); },
+    refuse: function (call) { abort(`${UTF8ToString(call)}: only what the game needs is here`); },
 
     openWindow__deps: ['$GL'],
     openWindow: function (title) {
         document.title = UTF8ToString(title);
         const context = GL.createContext(document.getElementById('canvas'),
             {majorVersion: 2, alpha: false, antialias: false, depth: true, stencil: true});
-        if (!context) {
-            abort('This browser has no WebGL 2 for the game.');
-        }
-        GL.makeContextCurrent(context);
+        GL.makeContextCurrent(context || abort('This browser has no WebGL 2 for the game.'));
     },
 
     // Runs turns until the game ends: what has happened, one update, one frame. There is one at
@@ -47,37 +44,29 @@ const LibraryGLUT = {
         const named = {Backspace: 8, Enter: 13, Escape: 27, Delete: 127};
         const canvas = document.getElementById('canvas');
         const listening = new AbortController();
-        const held = new Set();         // keys
-        const happened = [];            // since the last turn: what to call, and how
-        const pointer = {x: 0, y: 0};   // in pixels of the display
+        const held = new Set();        // keys
+        const happened = [];           // calls that wait for the next turn
+        const pointer = {x: 0, y: 0};  // in pixels of the display
         let resized = true;
         let next = 0;
 
         const on = (target, type, act) =>
             target.addEventListener(type, act, {signal: listening.signal});
-        const tell = (call, ...how) => happened.push([call, ...how, pointer.x, pointer.y]);
-        const release = (key) => {
-            held.delete(key);
-            tell(glut.keyboardUp, key);
-        };
+        const tell = (call, ...how) => happened.push(call.bind(null, ...how, pointer.x, pointer.y));
+        const press = (key) => held.add(key) && tell(glut.keyboard, key);
+        const release = (key) => held.delete(key) && tell(glut.keyboardUp, key);
         const key = (event) => {
             const typed = named[event.key] || (event.key.length === 1 && event.key.charCodeAt(0));
-            if (!typed || typed > 127 || event.ctrlKey || event.altKey || event.metaKey) {
-                return;
-            }
-            event.preventDefault();
-            if (event.type === 'keyup') {
-                release(typed);
-            } else {
-                held.add(typed);
-                tell(glut.keyboard, typed);
+            if (typed && typed < 128 && !event.ctrlKey && !event.altKey && !event.metaKey) {
+                event.preventDefault();
+                (event.type === 'keydown' ? press : release)(typed);
             }
         };
         const mouse = (event) => {
             pointer.x = Math.round(event.clientX * devicePixelRatio);
             pointer.y = Math.round(event.clientY * devicePixelRatio);
             if (event.type !== 'mousemove') {
-                tell(glut.mouse, event.button, event.type === 'mouseup' ? 1 : 0);
+                tell(glut.mouse, event.button, event.type === 'mousedown' ? 0 : 1);
             } else if (event.buttons === 0) {
                 tell(glut.motion);
             }
@@ -90,17 +79,18 @@ const LibraryGLUT = {
         on(window, 'mouseup', mouse);
         on(window, 'resize', () => resized = true);
 
-        const turn = () => {
-            if (resized) {
-                canvas.width = Math.round(canvas.clientWidth * devicePixelRatio);
-                canvas.height = Math.round(canvas.clientHeight * devicePixelRatio);
-                glut.reshape(canvas.width, canvas.height);
-                resized = false;
-                glut.redisplay = true;
-            }
+        const resize = () => {
+            canvas.width = Math.round(canvas.clientWidth * devicePixelRatio);
+            canvas.height = Math.round(canvas.clientHeight * devicePixelRatio);
+            glut.reshape(canvas.width, canvas.height);
+            resized = false;
+            glut.redisplay = true;
+        };
+        const turn = (time) => {
+            next = Math.max(next + period, time);
+            resized && resize();
             while (happened.length > 0) {
-                const [call, ...how] = happened.shift();
-                call(...how);
+                happened.shift()();
             }
             glut.idle();
             if (glut.redisplay) {
@@ -110,10 +100,7 @@ const LibraryGLUT = {
         };
         const frame = (time) => {
             try {
-                if (time + early >= next) {
-                    next = Math.max(next + period, time);
-                    turn();
-                }
+                time + early >= next && turn(time);
                 requestAnimationFrame(frame);
             } catch (end) {
                 listening.abort();

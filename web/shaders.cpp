@@ -68,9 +68,7 @@ void initShaders() {
     compile(program, GL_FRAGMENT_SHADER, FRAGMENT_SHADER);
     emscripten_glLinkProgram(program);
     emscripten_glUseProgram(program);
-    const auto find = [program](const char *name) {
-        return emscripten_glGetUniformLocation(program, name);
-    };
+    const auto find = [=](auto name) { return emscripten_glGetUniformLocation(program, name); };
     uniforms = {find("projection"),    find("model"),        find("texturing"),   find("lighting"),
                 find("lightPosition"), find("lightAmbient"), find("lightDiffuse")};
     require(uniforms.projection >= 0, "The shaders");

@@ -9,7 +9,9 @@
 namespace web {
 
 constinit glm::ivec4 viewport = {};
-constinit Lights lights = {};
+constinit glm::vec4 lightPosition[LIGHTS] = {};
+constinit glm::vec3 lightAmbient[LIGHTS] = {}, lightDiffuse[LIGHTS] = {};
+constinit State state;
 
 namespace {
 
@@ -21,14 +23,12 @@ constexpr GLuint MAX_TEXTURES = 32;
 
 struct Texture {
     GLuint object = 0;  // WebGL's
-    bool image = false;
     // From GL_TEXTURE_MAG_FILTER on: filters of enlarging and shrinking, wrapping across and up.
     GLint parameters[4] = {GL_LINEAR, GL_NEAREST_MIPMAP_LINEAR, GL_REPEAT, GL_REPEAT};
 };
 constinit Texture textures[MAX_TEXTURES] = {};
 constinit GLuint textureCount = 1;  // the names count from 1
 
-constinit State state;
 constinit State applied = {.projection = glm::mat4(0)};  // as WebGL starts
 
 void enable(GLenum name, bool on, const char *call = __builtin_FUNCTION()) {
@@ -38,34 +38,27 @@ void enable(GLenum name, bool on, const char *call = __builtin_FUNCTION()) {
     state.on[found - NAMES] = on;
 }
 
-// 0 and the names that no picture was read for are one texture without an image.
+// 0 and the names that no picture was read for are one texture without an object.
 Texture &textureOf(const State &s) {
     return textures[s.texture < MAX_TEXTURES ? s.texture : 0];
 }
 
-bool textured(const State &s) {
-    return s.on[TEXTURING] && textureOf(s).image;
-}
-
-// Readies WebGL for a change of the bound texture, after what was drawn with it.
+// For a change of the texture. What is drawn next binds its own anew.
 void beginChange() {
     drawWaiting();
-    applied.texture = state.texture;
     emscripten_glBindTexture(GL_TEXTURE_2D, textureOf(state).object);
+    applied.texture = ~0U;
 }
 
 }  // namespace
-
-void bindTexture(GLuint name) {
-    state.texture = name;
-}
 
 State currentState() {
     const auto &on = state.on;
     require(!on[LIGHTING] || (on[COLOUR_MATERIAL] && on[NORMALIZING] && on[LIGHT_0] && on[LIGHT_1]),
             "GL_LIGHTING");
-    state.projection = projection();
-    return state;
+    State whole = state;
+    whole.projection = projection();
+    return whole;
 }
 
 void apply(const State &next) {
@@ -81,18 +74,15 @@ void apply(const State &next) {
             (next.on[capability] ? emscripten_glEnable : emscripten_glDisable)(NAMES[capability]);
         }
     }
-    if (textured(next) && next.texture != applied.texture) {
-        emscripten_glBindTexture(GL_TEXTURE_2D, textureOf(next).object);
-    }
-    emscripten_glUniform1i(uniforms.texturing, textured(next) ? 1 : 0);
+    const GLuint object = next.on[TEXTURING] ? textureOf(next).object : 0;
+    emscripten_glBindTexture(GL_TEXTURE_2D, object);
+    emscripten_glUniform1i(uniforms.texturing, object != 0 ? 1 : 0);
     emscripten_glUniform1i(uniforms.lighting, next.on[LIGHTING] ? 1 : 0);
     emscripten_glBlendFunc(next.blendFactors[0], next.blendFactors[1]);
     emscripten_glStencilFunc(next.stencilFunction, next.stencilReference, next.stencilMask);
     emscripten_glStencilOp(next.stencilOperations[0], next.stencilOperations[1],
                            next.stencilOperations[2]);
-    const GLuint bound = textured(next) ? next.texture : applied.texture;
     applied = next;
-    applied.texture = bound;
 }
 
 }  // namespace web
@@ -104,8 +94,7 @@ void glEnable(GLenum name) { enable(name, true); }
 void glDisable(GLenum name) { enable(name, false); }
 void glBlendFunc(GLenum source, GLenum picture) {
     requireOutside();
-    state.blendFactors[0] = source;
-    state.blendFactors[1] = picture;
+    state.blendFactors = {source, picture};
 }
 void glStencilFunc(GLenum function, int reference, GLuint mask) {
     requireOutside();
@@ -115,8 +104,7 @@ void glStencilFunc(GLenum function, int reference, GLuint mask) {
 }
 void glStencilOp(GLenum fails, GLenum depthFails, GLenum passes) {
     requireOutside();
-    const GLenum operations[] = {fails, depthFails, passes};
-    std::copy_n(operations, 3, state.stencilOperations);
+    state.stencilOperations = {fails, depthFails, passes};
 }
 void glShadeModel(GLenum mode) { require(mode == GL_SMOOTH); }
 void glLightfv(GLenum light, GLenum name, const float *values) {
@@ -125,15 +113,15 @@ void glLightfv(GLenum light, GLenum name, const float *values) {
     require(i < LIGHTS && (name != GL_POSITION || values[3] == 1));
     drawWaiting();
     switch (name) {
-    case GL_AMBIENT: lights.ambient[i] = glm::make_vec3(values); break;
-    case GL_DIFFUSE: lights.diffuse[i] = glm::make_vec3(values); break;
+    case GL_AMBIENT: lightAmbient[i] = glm::make_vec3(values); break;
+    case GL_DIFFUSE: lightDiffuse[i] = glm::make_vec3(values); break;
     case GL_SPECULAR: break;  // see the shader
-    case GL_POSITION: lights.position[i] = modelview() * glm::make_vec4(values); break;
+    case GL_POSITION: lightPosition[i] = modelview() * glm::make_vec4(values); break;
     default: require(false);
     }
-    emscripten_glUniform4fv(uniforms.lightPosition, LIGHTS, glm::value_ptr(*lights.position));
-    emscripten_glUniform3fv(uniforms.lightAmbient, LIGHTS, glm::value_ptr(*lights.ambient));
-    emscripten_glUniform3fv(uniforms.lightDiffuse, LIGHTS, glm::value_ptr(*lights.diffuse));
+    emscripten_glUniform4fv(uniforms.lightPosition, LIGHTS, glm::value_ptr(*lightPosition));
+    emscripten_glUniform3fv(uniforms.lightAmbient, LIGHTS, glm::value_ptr(*lightAmbient));
+    emscripten_glUniform3fv(uniforms.lightDiffuse, LIGHTS, glm::value_ptr(*lightDiffuse));
 }
 
 void glViewport(int x, int y, int width, int height) {
@@ -176,10 +164,9 @@ void glTexEnvf(GLenum target, GLenum name, float value) {
 void glTexImage2D(GLenum target, int level, int components, int width, int height, int border,
                   GLenum format, GLenum type, const void *pixels) {
     requireOutside();
-    require(target == GL_TEXTURE_2D && textureOf(state).object != 0 && level == 0 && components == 3 &&
-            border == 0 && format == GL_RGB && type == GL_UNSIGNED_BYTE);
+    require(target == GL_TEXTURE_2D && textureOf(state).object != 0 && level == 0 &&
+            components == 3 && border == 0 && format == GL_RGB && type == GL_UNSIGNED_BYTE);
     beginChange();
-    textureOf(state).image = true;
     emscripten_glTexImage2D(target, level, GL_RGB8, width, height, border, format, type, pixels);
 }
 // clang-format on
