@@ -51,6 +51,10 @@ export class Browser {
             rest = messages.pop();
             messages.forEach((message) => this.take(JSON.parse(message)));
         });
+        process.on('exit', () => {
+            this.process.kill('SIGKILL');  // where a test ends early
+            rmSync(this.profile, {recursive: true, force: true, maxRetries: 5, retryDelay: 200});
+        });
         this.ended.then(() => this.answers.forEach(({failed}) => failed(new Error('no browser'))));
     }
 
@@ -87,7 +91,6 @@ export class Browser {
     async close() {
         await this.send('Browser.close').catch(() => {});
         await this.ended;
-        rmSync(this.profile, {recursive: true, force: true, maxRetries: 5, retryDelay: 200});
     }
 }
 
