@@ -117,7 +117,7 @@ const Scene SCENES[] = {
 // clang-format on
 
 bool save(const std::string &name) {
-    std::vector<unsigned char> pixels(4U * START_WIDTH * START_HEIGHT);
+    std::vector<unsigned char> pixels(std::size_t{4} * START_WIDTH * START_HEIGHT);
     glReadPixels(0, 0, START_WIDTH, START_HEIGHT, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     FILE *file = fopen((folder + "/" + name + ".ppm").c_str(), "wb");
     if (file == nullptr) {
