@@ -270,6 +270,7 @@ void tellChanges() {
     }
     std::fflush(stdout);
     printed.clear();
+    printed.seekg(0, std::ios::cur);  // else some libraries stay at what was the end
     for (std::string line; std::getline(printed, line);) {
         tell({"  printed: " + line});
     }
