@@ -201,7 +201,7 @@ STRETCH = np.array((2.0, 4.0, 2.0))
 FRONT = (-25.0, 205.0)  # the seen part of a tree, in degrees round it; the town's side is 90
 
 # Places on the picture, in pixels: x, y, width, height.
-DEEP = (0, 0, 1024, 352)                       # goes on from its right edge to its left
+DEEP = (0, 0, 1024, 352)                       # goes on from its right edge to its left, a thicket there
 LEAVES = (0, 352, 416, 448)
 BARK, SCALES = (416, 352, 176, 448), (592, 352, 176, 448)
 BOUGHS = [(768, 352, 128, 448), (896, 352, 128, 448)]
@@ -278,57 +278,67 @@ def stem(wood, rng, x, z, tall, radius, skin, reach=FRONT, roots=True, sides=5):
     wood.add(loft(rings, wear, ("stem", x, z), closed=False))
 
 
-def shag(wood, rng, name, middle, wide, tall, reach, region=LEAVES, count=4, lean=0.75, bush=False):
-    """A ragged dome of foliage: a crooked ring under its top, then a hem of so many leafy tips,
-    which for a bush lies on the ground. The picture lies on it unstretched, from its top down.
+def shag(wood, rng, name, middle, wide, tall, reach, heart, count, below):
+    """A lump of foliage: a crooked ring of so many steps under its top, then a hem with two leafy tips
+    a step, drawn in under it. It is lit as a part of what has its heart at `heart`. The picture lies on
+    it unstretched, from `below` world units under its upper edge.
     """
     x, y, z = middle
-    wood.hearts[name] = (np.array((x, y - 0.45 * tall, z)), lean)
+    wood.hearts[name] = (np.array(heart), 0.85)
     start, span = np.radians(reach[0]) + rng.uniform(-0.15, 0.15), np.radians(reach[1] - reach[0])
     at = lambda angle, out, up: around(x, y + up * tall, z, out * wide, angle)
-    angles, half = start + span * np.arange(count + 1) / count, span / count / 2
-    top = at(rng.random() * 6, 0.18, rng.uniform(0.72, 0.90))
-    waist = [at(a, rng.uniform(0.58, 0.82), rng.uniform(0.44, 0.68) if bush else rng.uniform(0.38, 0.62)) for a in angles]
-    notches = [at(a + rng.uniform(-0.1, 0.1), rng.uniform(0.88, 1.10), 0 if bush else rng.uniform(-0.22, -0.02)) for a in angles]
-    tips = [at(a + half + rng.uniform(-0.12, 0.12), rng.uniform(0.74, 1.0), 0 if bush else rng.uniform(-0.78, -0.45))
-            for a in angles[:-1]]
+    angles, step = start + span * np.arange(count + 1) / count, span / count
+    top = at(rng.random() * 6, 0.18, rng.uniform(0.78, 0.94))
+    waist = [at(a, rng.uniform(0.68, 0.88), rng.uniform(0.40, 0.62)) for a in angles]
+    hem = []
+    for k in range(4 * count + 1):  # notch, tip, notch, tip ...
+        a = start + step * (k / 4 + (rng.uniform(-0.05, 0.05) if k % 4 else 0))
+        hem.append(at(a, rng.uniform(0.74, 0.90), rng.uniform(-0.46, -0.32)) if k % 2
+                   else at(a, rng.uniform(0.92, 1.06), rng.uniform(-0.24, -0.08)))
+    spot = unrolled(LEAVES, rng, start, span, wide, below)
+    for k in range(count):
+        wa, wb, h = waist[k], waist[k + 1], hem[4 * k:4 * k + 5]
+        a, b = angles[k], angles[k + 1]
+        on_a, on_b = spot(a, top, wa), spot(b, top, wb)
+        left = [spot(a + step * i / 4, top, wa, h[i]) for i in range(3)]
+        right = [spot(a + step * i / 4, top, wb, h[i]) for i in range(2, 5)]
+        wood.face([wa, wb, top], [on_a, on_b, spot((a + b) / 2, top)], name)
+        wood.face([h[0], h[1], wa], [left[0], left[1], on_a], name)
+        wood.face([h[1], h[2], wa], [left[1], left[2], on_a], name)
+        wood.face([h[2], wb, wa], [left[2], on_b, on_a], name)
+        wood.face([h[2], h[3], wb], [right[0], right[1], on_b], name)
+        wood.face([h[3], h[4], wb], [right[1], right[2], on_b], name)
 
+
+def unrolled(region, rng, start, span, wide, below=0.0):
+    """Where a lump's points lie on a region: a function of the angle and the way down over points."""
     left, upper, width, height = region
     round_it = span * wide * 0.9 * TEXELS                      # pixels
     room = width - 8 - round_it
     shift, squeeze = max(0.0, room) * rng.random(), min(1.0, (width - 8) / round_it)
 
     def spot(angle, *points):
-        """The picture's place of the last point: its angle across, the way over the points down."""
         across = shift + (angle - start + 0.12) / span * round_it * squeeze
-        down = sum(np.linalg.norm(b - a) for a, b in zip(points, points[1:])) * TEXELS
+        down = (below + sum(np.linalg.norm(b - a) for a, b in zip(points, points[1:]))) * TEXELS
         return FOREST.uv(left + np.clip(4 + across, 3, width - 3), upper + min(3 + down, height - 3))
 
-    for k, tip in enumerate(tips):
-        a, b = angles[k], angles[k + 1]
-        wa, wb = waist[k], waist[k + 1]
-        m = (a + b) / 2
-        places = {"top": spot(m, top), "wa": spot(a, top, wa), "wb": spot(b, top, wb), "tip": spot(m, top, (wa + wb) / 2, tip),
-                  "na": spot(a, top, wa, notches[k]), "nb": spot(b, top, wb, notches[k + 1])}
-        wood.face([wa, wb, top], [places["wa"], places["wb"], places["top"]], name)
-        wood.face([notches[k], tip, wa], [places["na"], places["tip"], places["wa"]], name)
-        wood.face([tip, wb, wa], [places["tip"], places["wb"], places["wa"]], name)
-        wood.face([tip, notches[k + 1], wb], [places["tip"], places["nb"], places["wb"]], name)
+    return spot
 
 
 def round_tree(wood, rng, x, z, tall, wide, reach=FRONT):
-    """Three ragged lumps of leaves on a stem."""
-    base = tall * 0.40
-    stem(wood, rng, x, z, base + 1.2, 0.30, BARK, reach)
-    swing = rng.choice((-1, 1))
-    lumps = [  # aside, height over the base, inwards, half width, half height, tips of the hem
-        (0.06, 0.60, 0.12, 0.80, 0.50, 5),
-        (-0.52, 0.22, -0.12, 0.62, 0.40, 4),
-        (0.56, 0.32, -0.06, 0.60, 0.40, 4),
+    """Three lumps of leaves on a stem, lit and coloured as one crown."""
+    base, high, swing = tall * 0.40, tall * 0.60, rng.choice((-1, 1))
+    stem(wood, rng, x, z, base + 0.45 * high, 0.30, BARK, reach, sides=4)
+    lumps = [  # aside, height over the base, inwards, half width, half height, steps of the hem
+        (0.06, 0.50, 0.06, 0.82, 0.58, 4),
+        (-0.48, 0.22, -0.16, 0.64, 0.44, 3),
+        (0.50, 0.30, -0.12, 0.62, 0.44, 3),
     ]
-    for k, (dx, up, dz, half, high, tips) in enumerate(lumps):
-        middle = np.array((x + dx * swing * wide, base + up * (tall - base), z + dz * wide))
-        shag(wood, rng, ("crown", x, k), middle, half * wide, high * (tall - base), reach, count=tips)
+    heart = (x, base + 0.25 * high, z + 0.3 * wide)
+    for k, (dx, up, dz, half, thick, steps) in enumerate(lumps):
+        middle = (x + dx * swing * wide, base + up * high, z + dz * wide)
+        below = (0.50 + 0.58 - up - thick) * high * 0.4        # the lower lumps are a little darker
+        shag(wood, rng, ("crown", x, k), middle, half * wide, thick * high, reach, heart, steps, below)
 
 
 def conifer(wood, rng, x, z, tall, wide, tiers, reach=FRONT):
@@ -373,16 +383,32 @@ def spire(wood, rng, foot, out, tall, wide, low):
         wood.face(points, uvs, name)
 
 
-def bush(wood, rng, x, z, tall, wide, reach=(-8.0, 188.0)):
-    shag(wood, rng, ("bush", x, z), np.array((x, 0.0, z)), wide, tall, reach, SCRUB, lean=0.6, bush=True)
+def bush(wood, rng, x, z, tall, wide, reach=(-8.0, 188.0), count=4):
+    """A mound of leaves, its foot on the ground."""
+    name = ("bush", x, z)
+    wood.hearts[name] = (np.array((x, -0.45 * tall, z)), 0.6)
+    start, span = np.radians(reach[0]) + rng.uniform(-0.15, 0.15), np.radians(reach[1] - reach[0])
+    angles = start + span * np.arange(count + 1) / count
+    at = lambda angle, out, up: around(x, up * tall, z, out * wide, angle)
+    top = at(rng.random() * 6, 0.2, rng.uniform(0.9, 1.0))
+    waist = [at(a, rng.uniform(0.66, 0.84), rng.uniform(0.42, 0.58) if k % 2 else rng.uniform(0.62, 0.80))
+             for k, a in enumerate(angles)]
+    foot = [at(a, rng.uniform(0.90, 1.08), 0) for a in angles]
+    spot = unrolled(SCRUB, rng, start, span, wide)
+    for k in range(count):
+        a, b, wa, wb = angles[k], angles[k + 1], waist[k], waist[k + 1]
+        on_a, on_b = spot(a, top, wa), spot(b, top, wb)
+        wood.face([wa, wb, top], [on_a, on_b, spot((a + b) / 2, top)], name)
+        wood.face([foot[k], foot[k + 1], wb, wa],
+                  [spot(a, top, wa, foot[k]), spot(b, top, wb, foot[k + 1]), on_b, on_a], name)
 
 
-def fern(wood, rng, x, z, size, fronds=6):
+def fern(wood, rng, x, z, size, fronds=5):
     """Fronds that spread from one place towards the town, each narrowing to its tip."""
     name = ("fern", x, z)
     wood.hearts[name] = (np.array((x, -0.6, z + 0.4)), 0.5)
     for k in range(fronds):
-        a = np.radians(-5 + 190 * (k + rng.uniform(0.25, 0.75)) / fronds)
+        a = np.radians(-5 + 190 * (k + rng.uniform(0.35, 0.65)) / fronds)
         way = np.array((np.cos(a), 0, -np.sin(a)))
         side = np.array((way[2], 0, -way[0])) * 0.24 * size
         length = size * rng.uniform(0.85, 1.2)
@@ -395,37 +421,51 @@ def fern(wood, rng, x, z, size, fronds=6):
 
 
 def deep_wood(wood, rng):
-    """The painted depth of the wood, drawn round both ends, and far conifers that look over it."""
-    west = [(-13.5, -4.4), (-13.6, -1.2), (-13.4, 2.6), (-11.8, 4.5)]
-    track = west + [(x, 4.5) for x in np.linspace(-6.9, 6.9, 4)] + [(-x, z) for x, z in west[::-1]]
-    track = [np.array((x, 0.0, z)) for x, z in track]
-    steps = lengths(track)
+    """The painted depth of the wood, drawn round both ends, and far conifers that look over it.
+
+    The picture goes once round in 14.2 units, so that its thicket stands in the middle and at both
+    corners; there it is folded to and fro, and the ends are closed.
+    """
+    # fmt: off
+    west = [  # x, z, how far from the middle on the picture, height
+        (-13.5, -4.4, -15.8, 6.8), (-13.6, -1.2, -12.8, 8.4), (-13.4, 2.6, -15.6, 7.6), (-11.8, 4.5, -13.2, 8.9),
+    ]
+    # fmt: on
+    back = [(x, 4.5, x * 13.2 / 11.8, 8.9 if i % 2 else 8.3) for i, x in enumerate(np.linspace(-6.9, 6.9, 4))]
+    track = west + back + [(-x, z, -s, tall) for x, z, s, tall in west[::-1]]
     wood.hearts["deep"] = (np.array((0.0, -30.0, 50.0)), 0.75)
-    tops = [rng.uniform(7.6, 9.0) if i % 2 else rng.uniform(5.8, 7.0) for i in range(len(track))]
-    for i in range(len(track) - 1):
-        a, b = track[i], track[i + 1]
-        corners = [b, a, a + (0, tops[i], 0), b + (0, tops[i + 1], 0)]
-        uvs = [(steps[k] / 16.0, place(DEEP, 0, 1 - p[1] / 9.0)[1]) for k, p in zip((i + 1, i, i, i + 1), corners)]
-        wood.face(corners, uvs, "deep")
-        out = np.array((b[2] - a[2], 0, a[0] - b[0]))
+    on_picture = lambda s, y: (s / 14.2, place(DEEP, 0, 1 - y / 9.0)[1])
+    for i, ((ax, az, a_on, a_top), (bx, bz, b_on, b_top)) in enumerate(zip(track, track[1:])):
+        corners = [(bx, 0, bz), (ax, 0, az), (ax, a_top, az), (bx, b_top, bz)]
+        wood.face(corners, [on_picture(b_on, 0), on_picture(a_on, 0), on_picture(a_on, a_top), on_picture(b_on, b_top)], "deep")
+        out = np.array((bz - az, 0, ax - bx))
         for _ in range(0 if i in (1, len(track) - 3) else 1):
-            middle = a + (b - a) * rng.uniform(0.2, 0.8) - out / np.linalg.norm(out) * 0.08
+            t = rng.uniform(0.2, 0.8)
+            middle = np.array((ax + (bx - ax) * t, 0, az + (bz - az) * t)) - out / np.linalg.norm(out) * 0.08
             spire(wood, rng, tuple(middle), out, rng.uniform(11.0, 17.0), rng.uniform(1.6, 2.1), rng.uniform(4.8, 6.0))
+    for side in (-1, 1):  # sprays of leaves over the upright edges
+        for low, high, reach in ((0.2, 2.5, 0.9), (1.9, 4.6, 1.3), (4.0, 6.8, 1.0)):
+            x, z, middle = side * 13.5, -4.3, rng.uniform(0.3, 0.5) * (high - low) + low
+            points = [(x, low, z), (x, high, z), (x + side * rng.uniform(-0.1, 0.3), middle, z - reach)]
+            uvs = [on_picture(side * s, y) for s, y in ((14.0, low), (14.0, high), (14.0 + reach, middle))]
+            wood.face(points if side < 0 else points[::-1], uvs if side < 0 else uvs[::-1], "deep")
 
 
 def canopy(wood, rng):
     """Leaves that hang between the rows of trees, ragged below and above."""
     count = 13
-    xs = np.linspace(-12.9, 12.9, count)
+    xs = np.linspace(-13.2, 13.2, count)
     place_of = lambda x, lo, hi, z: np.array((x, rng.uniform(lo, hi), z + rng.uniform(-0.5, 0.5)))
-    low = [place_of(x, *((3.6, 4.4) if i % 2 else (5.0, 6.2)), -1.2) for i, x in enumerate(xs)]
-    high = [place_of(x, *((8.2, 9.6) if i % 2 else (6.8, 7.8)), -0.6) for i, x in enumerate(xs)]
+    low = [place_of(x, *((4.5, 5.0) if i % 2 else (5.0, 5.6)), -1.2) for i, x in enumerate(xs)]
+    high = [place_of(x, *((8.2, 9.6) if i % 2 else (7.0, 7.8)), -0.6) for i, x in enumerate(xs)]
     wood.hearts["canopy"] = (np.array((0.0, 3.0, 9.0)), 0.55)
     for i in range(count - 1):
         s = [abs((k + 3) % 6 - 3) / 3 for k in (i, i + 1)]  # to and fro on the picture
-        corners = [low[i + 1], low[i], high[i], high[i + 1]]
+        notch = (high[i] + high[i + 1]) / 2 - (0, rng.uniform(0.2, 0.9), 0)
+        corners = [low[i + 1], low[i], high[i], notch, high[i + 1]]
         uvs = [place(CANOPY, s[1], 1 - 0.25 * (i % 2)), place(CANOPY, s[0], 0.75 + 0.25 * (i % 2)),
-               place(CANOPY, s[0], 0.2 - 0.2 * (i % 2)), place(CANOPY, s[1], 0.2 * (i % 2))]
+               place(CANOPY, s[0], 0.2 - 0.2 * (i % 2)), place(CANOPY, (s[0] + s[1]) / 2, 0.25),
+               place(CANOPY, s[1], 0.2 * (i % 2))]
         wood.face(corners, uvs, "canopy")
 
 
@@ -449,10 +489,10 @@ def forest():
             round_tree(wood, rng, x, z, tall, wide, reach)
     for side, tall, behind in ((-1, 14.0, 10.5), (1, 12.5, 12.0)):  # what hides the edges of the deep wood
         turned = lambda low, high: (low, high) if side > 0 else (180 - high, 180 - low)
-        conifer(wood, rng, side * 13.6, -4.7, tall, 2.0, (5, 5, 4, 3), turned(-100, 200))
+        conifer(wood, rng, side * 13.6, -4.7, tall, 2.0, (5, 4, 4, 3), turned(-100, 200))
         bush(wood, rng, side * 13.8, -4.9, 1.3, 1.5, turned(-80, 160))
         conifer(wood, rng, side * 13.5, 2.9, behind, 1.9, (4, 3, 3), turned(-110, 110))
-    for i, x in enumerate((-9.2, -5.0, -0.8, 3.6, 8.2)):  # stems between the canopy and the deep wood
+    for i, x in enumerate((-9.2, -5.0, 3.6, 8.2)):  # stems between the canopy and the deep wood
         stem(wood, rng, x + rng.uniform(-0.4, 0.4), rng.uniform(0.0, 1.4), 6.3, 0.26, SCALES if i % 2 else BARK,
              (10.0, 170.0), roots=False, sides=3)
     for x in (-13.0, -4.8, 8.6):
@@ -481,7 +521,16 @@ class Brush:
         self.rng = np.random.default_rng(SEED * 1000 + seed)
         self.y, self.x = np.mgrid[0:self.height, 0:self.width] / FINE
 
-    def leaf(self, x, y, angle, length, width, colour, shadow=0.5, pointed=1.0):
+    def dab(self, x, y, half, tall, colour, strength):
+        """A soft round patch of a colour; like the leaves it goes on round the left and right edges."""
+        x, y, half, tall = x * FINE, y * FINE, half * FINE, tall * FINE
+        rows, columns = np.arange(int(y - tall), int(y + tall) + 1), np.arange(int(x - half), int(x + half) + 1)
+        rows = rows[(rows >= 0) & (rows < self.height)]
+        away = np.hypot(((rows - y) / tall)[:, None], ((columns - x) / half)[None, :])
+        spots = np.ix_(rows, columns % self.width)
+        self.picture[spots] = mix(self.picture[spots], colour, strength * smoothstep(1.0, 0.55, away))
+
+    def leaf(self, x, y, angle, length, width, colour, shadow=0.5, pointed=1.0, relief=1.0):
         """One leaf with its middle at (x, y), lit from above; it goes on round the left and right edges."""
         x, y, length, width = x * FINE, y * FINE, length * FINE, width * FINE
         r = int(0.62 * length + 0.3 * width) + 3
@@ -497,8 +546,8 @@ class Brush:
         mask = smoothstep(-0.6, 1.4, edge)
         dark = smoothstep(-0.30 * width, 0.0, edge) * shadow
         up = -1.0 if c > 0 else 1.0
-        tone = 1 + 0.28 * np.clip(4 * q * up, -1, 1) * (0.6 + 0.4 * inside) - 0.26 * smoothstep(0.35, 0.0, inside)
-        rib = smoothstep(1.6, 0.4, np.abs(q) * width) * (p < 0.9) * 0.22
+        tone = 1 + relief * (0.28 * np.clip(4 * q * up, -1, 1) * (0.6 + 0.4 * inside) - 0.26 * smoothstep(0.35, 0.0, inside))
+        rib = smoothstep(1.6, 0.4, np.abs(q) * width) * (p < 0.9) * 0.22 * relief
         seen = (rows >= 0) & (rows < self.height)
         if not seen.any():
             return
@@ -519,35 +568,41 @@ def ramp(colours, value):
     return mix(colours[k], colours[k + 1], value - k)
 
 
-def clumps(region, seed, colours, size, leaf, count, light=lambda t: 1.0, spots=()):
-    """Clusters of leaves like tiles of a roof: each is light above and dark under its hem."""
+def puff(brush, x, y, half, leaf, colours, glow, hue=None):
+    """A round cluster of small leaves, shaded as one: light above, dark under its hem."""
+    rng = brush.rng
+
+    def colour_at(u, v):
+        value = glow * np.clip(0.54 - 0.52 * v - 0.20 * u, 0.04, 1)
+        colour = ramp(colours, value)
+        return colour if hue is None else mix(colour, hue * (0.35 + 0.85 * value), 0.5)
+
+    brush.dab(x, y + 0.30 * half, 1.15 * half, 0.95 * half, colours[0], 0.75)
+    brush.dab(x, y, 0.95 * half, 0.75 * half, colour_at(0, 0.4), 0.9)
+    turn, out = rng.random((2, int(4.5 * (half / leaf) ** 2) + 6))
+    places = np.sqrt(out)[:, None] * np.stack([np.cos(2 * np.pi * turn), np.sin(2 * np.pi * turn)], axis=-1)
+    for u, v in places[np.argsort(-places[:, 1])]:  # the upper leaves lap over the lower
+        long = leaf * rng.uniform(0.8, 1.25)
+        brush.leaf(x + u * half, y + v * half * 0.8, np.arctan2(v + 0.75, u * 1.3) + rng.uniform(-0.6, 0.6), long,
+                   long * rng.uniform(0.52, 0.66), colour_at(u, v) * rng.uniform(0.88, 1.12), 0.22, relief=0.55)
+
+
+def clumps(region, seed, colours, size, leaf, light, spots=()):
+    """Clusters of leaves like tiles of a roof; light(t) is their light at t (0..1) down the region."""
     brush = Brush(region, seed, colours[0] * 0.7)
     rng, (_, _, width, height) = brush.rng, region
-    for _ in range(int(width * height / leaf ** 2 * 1.3)):  # the dark inside
-        brush.leaf(rng.random() * width, rng.random() * height, rng.random() * 6.28, leaf * 1.1, leaf * 0.8,
-                   ramp(colours, rng.uniform(0.0, 0.28)), 0.3)
+    for _ in range(int(width * height / leaf ** 2 * 0.7)):  # the dark inside
+        y = rng.random() * height
+        brush.leaf(rng.random() * width, y, rng.random() * 6.28, leaf * 1.2, leaf * 0.9,
+                   ramp(colours, rng.uniform(0.08, 0.28) * light(y / height)), 0.2, relief=0.5)
     rows = max(2, round(height / (size * 0.62)))
     columns = max(2, round(width / (size * 1.05)))
     for row in range(rows - 1, -1, -1):
         for column in rng.permutation(columns):
-            mx = (column + 0.5 * (row % 2) + rng.uniform(-0.25, 0.25)) * width / columns
-            my = (row + 0.5 + rng.uniform(-0.25, 0.25)) * height / rows
-            half = size * rng.uniform(0.55, 0.8)
-            hue = spots[int(rng.integers(len(spots)))] if len(spots) and rng.random() < 0.22 else None
-            glow = light(my / height) + rng.uniform(-0.12, 0.12)
-            places = rng.normal(size=(count, 2)) * 0.45
-            places = places[np.argsort(-places[:, 1])]  # the upper leaves lap over the lower
-            for u, v in places:
-                away = np.hypot(u, v)
-                if away > 1.15:
-                    continue
-                value = glow * np.clip(0.50 - 0.52 * v - 0.14 * u + rng.uniform(-0.16, 0.16), 0.04, 1)
-                angle = np.arctan2(v + 0.75, u * 1.3) + rng.uniform(-0.5, 0.5)
-                colour = ramp(colours, value)
-                if hue is not None:
-                    colour = mix(colour, hue * (0.35 + 0.85 * value), 0.55)
-                long = leaf * rng.uniform(0.8, 1.3)
-                brush.leaf(mx + u * half, my + v * half * 0.8, angle, long, long * rng.uniform(0.50, 0.66), colour)
+            x = (column + 0.5 * (row % 2) + rng.uniform(-0.25, 0.25)) * width / columns
+            y = (row + 0.5 + rng.uniform(-0.25, 0.25)) * height / rows
+            hue = spots[int(rng.integers(len(spots)))] if len(spots) and rng.random() < 0.4 else None
+            puff(brush, x, y, size * rng.uniform(0.55, 0.8), leaf, colours, light(y / height) + rng.uniform(-0.08, 0.08), hue)
     return brush
 
 
@@ -682,20 +737,29 @@ def scaly(region, seed, tones):
     return stood(mix(picture, mix(rgb("2a3219"), rgb("8d9440"), tuft), moss * 0.9), foot)
 
 
-MIST = [rgb("c87a48"), rgb("94565a"), rgb("5c4460"), rgb("343c55"), rgb("1c2a31")]  # from the ground up
+MIST = [rgb("e8964c"), rgb("cf6a40"), rgb("9a4b48"), rgb("553440"), rgb("231f26")]  # from the ground up
+MIST_AT = [0.08, 0.20, 0.38, 0.58, 0.80]
+SHADE = [rgb("0c1112"), rgb("16231f"), rgb("243629"), rgb("3d4a30"), rgb("5b5c3a")]
+
+
+def mist(up):
+    """The evening's colour at heights 0..1."""
+    return np.stack([np.interp(up, MIST_AT, np.array(MIST)[:, i]) for i in range(3)], axis=-1)
 
 
 def depth(region, seed):
-    """The wood's inside: the evening's glow between far stems, nearer ones before it, a dark roof of leaves."""
+    """The wood's inside: the evening's glow between far stems, nearer ones before it, a dark roof of leaves.
+
+    Where its edges meet, a thicket closes it up to the roof.
+    """
     brush = Brush(region, seed, rgb("000000"))
     rng, (_, _, width, height) = brush.rng, region
     up = 1 - brush.y / height
     w, h = brush.width, brush.height
-    sway = noise(w, w, 6, 3, seed + 1)[:h] - 0.5
-    level = np.clip((up - 0.10 + 0.10 * sway) / 0.62, 0, 1)
-    table, at = np.array(MIST), np.array([0.0, 0.20, 0.45, 0.72, 1.0])
-    brush.picture = np.stack([np.interp(level, at, table[:, i]) for i in range(3)], axis=-1)
-    brush.picture *= (0.78 + 0.45 * noise(w, w, 4, 3, seed + 2)[:h])[..., None]
+    brush.picture = mist(up + 0.08 * (noise(w, w, 6, 3, seed + 1)[:h] - 0.5))
+    brush.picture *= (0.80 + 0.40 * noise(w, w, 4, 3, seed + 2)[:h])[..., None]
+    evenly = lambda k: (0.618 * k + rng.uniform(0, 0.05)) % 1 * width  # so that no cluster stands alone
+    wave = lambda x, times, turn=0.0: np.sin(x / width * 2 * np.pi * times + turn)
 
     def stem(x, wide, colour, rim, haze):
         bend = rng.normal() * 5 * np.sin(brush.y / height * 3 + rng.random() * 6)
@@ -705,39 +769,50 @@ def depth(region, seed):
         ridges = 0.5 + 0.5 * np.sin(dx / wide * 19 + 1.3 * np.sin(brush.y / 23 + x) + 0.9 * np.sin(brush.y / 9 + 2 * x))
         tone = 0.8 + 0.26 * ridges * smoothstep(6, 20, wide) - 0.25 * dx / wide
         face = mix(colour * tone[..., None], brush.picture, haze * smoothstep(0.5, 0.0, up))
-        lit = smoothstep(-0.30, -0.5, dx / (2 * spread)) * rim * smoothstep(0.75, 0.15, up)
-        face = mix(face, rgb("e08a4a"), lit)
-        brush.picture = mix(brush.picture, face, mask)
+        lit = smoothstep(-0.30, -0.5, dx / (2 * spread)) * rim * smoothstep(0.60, 0.10, up)
+        brush.picture = mix(brush.picture, mix(face, rgb("f0a050"), lit), mask)
 
-    def thicket(low, colours, count, size, spread):
-        for _ in range(count):
-            x = rng.random() * width
-            y = height * (1 - low * (0.75 + 0.5 * np.sin(x / width * 6.28 * 3 + spread))) + abs(rng.normal()) * height * low * 0.6
-            brush.leaf(x, min(y, height), -np.pi / 2 + rng.normal() * 0.8, size * rng.uniform(0.7, 1.4), size * 0.5,
-                       ramp(colours, rng.uniform(0, 1) * np.clip(1.25 - (y / height - (1 - low)) / low, 0.2, 1)), 0.3)
+    def growth(tall, colours, count, half, leaf, glow, turn):
+        """Undergrowth, up to `tall` (0..1) high, the nearer clusters lower and before the others."""
+        for k, t in enumerate(np.sort(rng.random(count))[::-1]):
+            x = evenly(k)
+            top = tall * (0.80 + 0.25 * wave(x, 3, turn) + 0.15 * wave(x, 8, 2 * turn))
+            puff(brush, x, height * (1 - top * t) + 4, half * rng.uniform(0.7, 1.3), leaf, colours, glow * (0.35 + 0.65 * t))
 
-    for _ in range(700):  # far crowns, hardly darker than the mist behind them
-        x = rng.random() * width
-        hang = 0.60 + 0.10 * np.sin(x / width * 6.28 * 5) + 0.05 * np.sin(x / width * 6.28 * 13 + 2)
-        y = height * hang * rng.random() ** 0.6
-        tone = np.array([np.interp(1 - y / height, (0.10 + 0.62 * np.array([0, 0.2, 0.45, 0.72, 1.0])), np.array(MIST)[:, i]) for i in range(3)])
-        brush.leaf(x, y, np.pi / 2 + rng.normal() * 0.8, rng.uniform(10, 20), 9, tone * rng.uniform(0.70, 0.92), 0.1)
-    for _ in range(30):
-        stem(rng.random() * width, rng.uniform(4, 9), rgb("5c4658"), 0.25, 0.55)
-    thicket(0.13, [rgb("4a3a48"), rgb("7a5560")], 420, 14, 0.4)
-    for _ in range(15):
-        stem(rng.random() * width, rng.uniform(9, 16), rgb("37303c"), 0.45, 0.30)
-    thicket(0.11, [rgb("2a2b2c"), rgb("514b42")], 420, 15, 2.0)
-    for k in range(8):
-        stem((k + rng.uniform(0.2, 0.8)) * width / 8, rng.uniform(20, 32), rgb("2b2425"), 0.65, 0.05)
-    thicket(0.085, [rgb("161d18"), rgb("2c3a22"), rgb("5f6a34")], 900, 15, 4.1)
-    for _ in range(1900):  # the roof of leaves, hanging lower here and there
-        x = rng.random() * width
-        hang = 0.40 + 0.13 * np.sin(x / width * 6.28 * 4 + 1) + 0.08 * np.sin(x / width * 6.28 * 11)
-        t = rng.random() ** 0.8 * hang
-        value = 0.75 * rng.random() * (0.35 + 0.65 * smoothstep(hang, 0.0, t))
-        brush.leaf(x, t * height, np.pi / 2 + rng.normal() * 0.8, rng.uniform(12, 19), 9,
-                   ramp([rgb("121c1c"), rgb("22352f"), rgb("47603f"), rgb("8b8a48")], value), 0.4)
+    def crowns(hang, colours, count, half, leaf, glow):
+        """Leaves from above, down to hang(x) (0..1), the lower ones first and lighter."""
+        for k, t in enumerate(np.sort(rng.random(count))[::-1]):
+            x = evenly(k)
+            puff(brush, x, height * t * hang(x), half * rng.uniform(0.7, 1.3), leaf, colours, glow * (0.45 + 0.55 * t))
+
+    def thicket(count, low, high, glow):
+        """Leaves about the place where the edges meet, between two heights (0..1) from above."""
+        for t in np.sort(rng.random(count)):  # the nearer clusters lower
+            x = rng.uniform(-1, 1) * (165 + 25 * np.sin(9 * t) + 10 * np.sin(31 * t))
+            y = low + (high - low) * t + 0.05 * np.sin(x / 23)
+            puff(brush, x % width, height * y, rng.uniform(13, 22), 7, SHADE, glow * rng.uniform(0.75, 1.15))
+
+    haze = [rgb("33252c"), rgb("54343a"), rgb("7a4743")]
+    for _ in range(34):  # the far trees
+        stem(rng.random() * width, rng.uniform(3, 8), rgb("6a4444"), 0.3, 0.55)
+    crowns(lambda x: 0.55 + 0.04 * wave(x, 5) + 0.02 * wave(x, 13, 2), haze, 420, 13, 6, 0.9)
+    growth(0.17, [rgb("53302c"), rgb("7a452f"), rgb("a86138")], 200, 9, 6, 0.9, 0.4)
+    for _ in range(15):  # the middle ones
+        stem(rng.random() * width, rng.uniform(9, 15), rgb("3a2a2c"), 0.5, 0.25)
+    growth(0.14, [rgb("221c1a"), rgb("43301f"), rgb("6e4c2a")], 200, 11, 7, 0.9, 2.0)
+    for k in range(7):  # the near ones
+        stem((k + rng.uniform(0.2, 0.8)) * width / 7, rng.uniform(19, 30), rgb("2a2020"), 0.7, 0.03)
+    crowns(lambda x: 0.43 + 0.07 * wave(x, 4, 1) + 0.035 * wave(x, 11), SHADE, 520, 17, 7, 0.8)
+    aside = np.abs((brush.x + width / 2) % width - width / 2)
+    brush.picture = mix(brush.picture, SHADE[0], smoothstep(140, 118, aside))
+    thicket(380, 0.0, 1.0, 0.42)
+    for x in (-62, 24, 96):
+        stem(x % width, rng.uniform(17, 24), rgb("33272a"), 0.12, 0.0)
+    thicket(210, 0.0, 0.40, 0.80)
+    thicket(190, 0.66, 1.0, 0.90)
+    growth(0.12, SHADE, 330, 13, 7, 0.95, 4.1)
+    foot = smoothstep(0.055, 0.0, up + 0.02 * (noise(w, w, 60, 2, seed + 3)[:h] - 0.5))
+    brush.picture = mix(brush.picture, rgb("14100d"), 0.9 * foot)
     return brush.kept()
 
 
@@ -748,18 +823,18 @@ def forest_picture():
         x, y, width, height = region
         picture[y:y + height, x:x + width] = part
 
-    gold = [rgb("3a2c1a"), rgb("7c5f28"), rgb("b48d38"), rgb("e6b44e"), rgb("ffdf88")]
-    green = [rgb("1c2a24"), rgb("35543e"), rgb("55784e"), rgb("98a85c"), rgb("d9d486")]
-    scrub = [rgb("20251a"), rgb("424d26"), rgb("6c7736"), rgb("a6a44e"), rgb("d2c671")]
-    red = (rgb("b8642e"), rgb("94903c"))
+    copper = [rgb("40261c"), rgb("8e5829"), rgb("cd8c3a"), rgb("ebb65a"), rgb("f0c97e")]
+    green = [rgb("1c2a24"), rgb("35543e"), rgb("55784e"), rgb("8b9c5c"), rgb("b4b87a")]
+    scrub = [rgb("1c2118"), rgb("374322"), rgb("5a672f"), rgb("88893f"), rgb("aca258")]
     put(DEEP, depth(DEEP, 75))
-    put(LEAVES, clumps(LEAVES, 73, gold, 66, 14, 60, lambda t: 1.12 - 0.42 * t, red).kept() * 1.16)
+    crown_light = lambda t: max(0.48, 1.75 - 2.3 * t)
+    put(LEAVES, clumps(LEAVES, 73, copper, 54, 7, crown_light, (rgb("c87036"), rgb("b8a04a"))).kept() * 1.2)
     put(BARK, furrowed(BARK, 76, [rgb("1d1614"), rgb("4a382c"), rgb("846a50"), rgb("c09d74"), rgb("dcbf95")], 9, 5.0, 0.42))
     put(SCALES, scaly(SCALES, 77, [rgb("1e1414"), rgb("5a382e"), rgb("8c5c46"), rgb("bd8862"), rgb("d6aa84")]))
     for seed, region in zip((72, 78), BOUGHS):
         put(region, bough(region, seed, green))
-    put(SCRUB, clumps(SCRUB, 74, scrub, 58, 16, 38, lambda t: 1.15 - 0.55 * t, (rgb("a8893c"),)).kept())
-    put(CANOPY, clumps(CANOPY, 79, [c * (0.75, 0.82, 0.9) for c in green], 62, 15, 38, lambda t: 0.9 - 0.5 * t).kept())
+    put(SCRUB, clumps(SCRUB, 74, scrub, 44, 8, lambda t: 1.45 - 1.10 * t, (rgb("8a7038"),)).kept() * 1.2)
+    put(CANOPY, clumps(CANOPY, 79, SHADE, 46, 8, lambda t: 1.35 - 0.7 * t).kept())
     put(FERN, frond(FERN, 81, scrub))
     return picture
 
