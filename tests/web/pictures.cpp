@@ -154,7 +154,7 @@ int main(int argc, char **argv) {
     }
     folder = argv[1];
     wanted = argc > 2 ? argv[2] : "";
-    createPlayers();
+    createAnimations();
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH | GLUT_STENCIL);
     glutInitWindowSize(START_WIDTH, START_HEIGHT);
     glutCreateWindow("Talvery: pictures");
