@@ -54,7 +54,7 @@ copy_hashed(${ROOT}/web/page/page.js PAGE_JS)
 copy_hashed(${ROOT}/web/page/page.css PAGE_CSS)
 
 # The heading is the upper part of the title's picture.
-run(${CONVERT} ${ROOT}/data/intro.bmp -crop 574x400+56+62 +repage -strip -quality 88
+run(${CONVERT} ${ROOT}/data/intro.bmp -crop 560x400+56+62 +repage -strip -quality 88
     ${SITE}/heading.jpg)
 configure_file(${ROOT}/docs/town.jpg ${SITE}/town.jpg COPYONLY)
 foreach(size 32 256)
