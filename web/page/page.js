@@ -187,7 +187,7 @@ part('keys').onclick = () => {
 part('page').addEventListener('click', () => canvas.focus());
 
 part('fullscreen').hidden = !document.fullscreenEnabled;
-part('fullscreen').onclick = async () => {
+async function changeScreen() {
     canvas.focus();
     if (document.fullscreenElement) {
         await document.exitFullscreen();
@@ -195,7 +195,9 @@ part('fullscreen').onclick = async () => {
     }
     await document.documentElement.requestFullscreen();
     await navigator.keyboard?.lock?.(['Escape']);
-};
+}
+// A browser that refuses does not end the game.
+part('fullscreen').onclick = () => changeScreen().catch(console.warn);
 document.addEventListener('fullscreenchange', () => {
     part('fullscreen').textContent =
         document.fullscreenElement ? 'Leave full screen' : 'Full screen';
