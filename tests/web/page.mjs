@@ -4,12 +4,12 @@
 
 import assert from 'node:assert';
 import {mkdirSync} from 'node:fs';
-import {basename, dirname, join} from 'node:path';
+import {basename, dirname, join, resolve} from 'node:path';
 import {test} from 'node:test';
 import {Browser, serve} from './browser.mjs';
 import {watch} from './watch.mjs';
 
-const [site, pictures] = process.argv.slice(2);
+const [site, pictures] = process.argv.slice(2).map((path) => resolve(path));
 mkdirSync(pictures, {recursive: true});
 
 // From a folder of the server's, not from its root.
