@@ -10,7 +10,7 @@ namespace compare {
 // processor's arithmetic.
 bool same(const std::string &a, const std::string &b);
 
-// In which words the lines differ: "parts x1551: normal sum 112.2216 -> 209.3". Both lines, one
+// In which fields the lines differ: "normal 0 1 0 ~ 112.2216 -> 0 1 0 ~ 209.3". Both lines, one
 // below the other, where they begin otherwise and so tell different things.
 std::string difference(const std::string &expected, const std::string &actual);
 
