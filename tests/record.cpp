@@ -108,17 +108,19 @@ std::string stateText(const State &s) {
     const auto add = [&line](bool on, const std::string &words) { line += on ? ", " + words : ""; };
     const auto found = textures().find(s.texture);
     const Texture bound = found == textures().end() ? Texture() : found->second;
-    add(s.on[TEXTURING], std::string(s.environment) + ' ' + bound.wrap[0] + ' ' + bound.wrap[1]);
-    add(s.on[LIGHTING], std::string("lit ") + s.shading);
-    add(s.on[LIGHTING] && !s.on[COLOR_MATERIAL], "without colour");
-    add(s.on[LIGHTING] && !s.on[NORMALIZE], "without normalize");
-    add(s.on[LIGHTING] && !(s.on[LIGHT0] && s.on[LIGHT1]), "by one light");
-    add(s.on[BLENDING], std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
-    add(s.on[DEPTH_TEST], "depth");
-    add(s.on[STENCIL_TEST], std::string("stencil ") + s.stencilFunction + ' ' +
-                                std::to_string(s.stencilReference) + ' ' +
-                                (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] +
-                                ' ' + s.stencilOperations[1] + ' ' + s.stencilOperations[2]);
+    add(s.on.contains(GL_TEXTURE_2D),
+        std::string(s.environment) + ' ' + bound.values[WRAP_S] + ' ' + bound.values[WRAP_T]);
+    add(s.on.contains(GL_LIGHTING), std::string("lit ") + s.shading);
+    add(s.on.contains(GL_LIGHTING) && !s.on.contains(GL_COLOR_MATERIAL), "without colour");
+    add(s.on.contains(GL_LIGHTING) && !s.on.contains(GL_NORMALIZE), "without normalize");
+    add(s.on.contains(GL_LIGHTING) && !(s.on.contains(GL_LIGHT0) && s.on.contains(GL_LIGHT1)),
+        "by one light");
+    add(s.on.contains(GL_BLEND), std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
+    add(s.on.contains(GL_DEPTH_TEST), "depth");
+    add(s.on.contains(GL_STENCIL_TEST),
+        std::string("stencil ") + s.stencilFunction + ' ' + std::to_string(s.stencilReference) +
+            ' ' + (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] + ' ' +
+            s.stencilOperations[1] + ' ' + s.stencilOperations[2]);
     return "  [" + line.substr(std::min<std::size_t>(2, line.size())) + "]";
 }
 
@@ -128,7 +130,7 @@ std::string thing(const Drawing &d, Detail detail) {
     if (d.kind == recording::TEXT) {
         return '"' + d.name + '"' + where;
     }
-    if (d.state.on[recording::TEXTURING]) {
+    if (d.state.on.contains(GL_TEXTURE_2D)) {
         return textureName(d.state.texture) + ' ' +
                (d.list != 0 ? listName(d.list) : d.name + where);
     }
@@ -147,10 +149,10 @@ void add(Item &item, const Drawing &d) {
         }
         item.place.add(p);
         item.colour.add(v.colour);
-        if (d.state.on[recording::LIGHTING] && d.kind != recording::SHAPE) {
+        if (d.state.on.contains(GL_LIGHTING) && d.kind != recording::SHAPE) {
             item.normal.add(v.normal);
         }
-        if (d.state.on[recording::TEXTURING]) {
+        if (d.state.on.contains(GL_TEXTURE_2D)) {
             item.texCoord.add(v.texCoord);
         }
     }
@@ -232,15 +234,15 @@ std::string leftBehind() {
 }
 
 Lines objects() {
-    const recording::Window &w = recording::window();
+    using namespace recording;
+    const Window &w = recording::window();
     Lines lines = {"  window \"" + w.title + "\"  size " + std::to_string(w.size[0]) + ' ' +
                    std::to_string(w.size[1]) + "  mode " + std::to_string(w.displayMode) +
                    (w.fullScreen ? "  full screen" : "")};
-    for (const recording::Light &light : recording::state().lights) {
-        lines.push_back("  light  ambient" + join(light[recording::AMBIENT]) + "  diffuse" +
-                        join(light[recording::DIFFUSE]) + "  specular" +
-                        join(light[recording::SPECULAR]) + "  at" +
-                        join(light[recording::POSITION]));
+    for (const Light &light : recording::state().lights) {
+        lines.push_back("  light  ambient" + join(light[AMBIENT]) + "  diffuse" +
+                        join(light[DIFFUSE]) + "  specular" + join(light[SPECULAR]) + "  at" +
+                        join(light[POSITION]));
     }
     for (const auto &[name, t] : recording::textures()) {
         Sums pixels;
@@ -248,9 +250,10 @@ Lines objects() {
             pixels.add(glm::ivec3(t.pixels[i], t.pixels[i + 1], t.pixels[i + 2]));
         }
         lines.push_back("  texture " + textureName(name) + "  size " + std::to_string(t.width) +
-                        ' ' + std::to_string(t.height) + "  wrap " + t.wrap[0] + ' ' + t.wrap[1] +
-                        "  filter " + t.filter[0] + ", " + t.filter[1] +
-                        (t.mipmaps ? "" : "  no mipmaps") + pixels.print("pixels"));
+                        ' ' + std::to_string(t.height) + "  wrap " + t.values[WRAP_S] + ' ' +
+                        t.values[WRAP_T] + "  filter " + t.values[LARGER] + ", " +
+                        t.values[SMALLER] + (t.mipmaps ? "" : "  no mipmaps") +
+                        pixels.print("pixels"));
     }
     return lines;
 }
