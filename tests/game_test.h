@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "game_objects.h"
 #include "game_state.h"
 #include "globals.h"
@@ -19,16 +17,5 @@ protected:
         globals::reset();
         collision_char = {CIRCLE, SOLID, 0, 0, 1, 0, 0, 0, 0};
         recording::reset();
-    }
-
-    // What a callback changes. Each asks for one redisplay.
-    template <typename... Arguments>
-    static std::string after(void (*callback)(Arguments...),
-                             std::common_type_t<Arguments>... arguments) {
-        globals::changes();
-        recording::clear();
-        callback(arguments...);
-        EXPECT_EQ(recording::redisplays(), 1);
-        return globals::changes();
     }
 };

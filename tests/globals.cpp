@@ -19,7 +19,7 @@ using Place = std::variant<int *, unsigned *, float *, bool *>;
 struct Global {
     std::string name;
     Place place;
-    double start;
+    double start = 0;
     double seen = 0;
     bool watched = true;
 };
@@ -36,12 +36,8 @@ void assign(const Place &place, double value) {
 
 // clang-format off
 std::vector<Global> listAll() {
-    std::vector<Global> all;
-    const auto add = [&all](const std::string &name, const Place &place) {
-        all.push_back({name, place, value(place)});
-    };
 #define NAMED(global) {#global, &(global)}
-    const std::pair<const char *, Place> singles[] = {
+    std::vector<Global> all = {
         NAMED(status), NAMED(Menu), NAMED(option), NAMED(selectOption), NAMED(Rotating),
         NAMED(rotHor), NAMED(hor), NAMED(Zval), NAMED(Zstep), NAMED(TalkMenu), NAMED(IsTalkBool),
         NAMED(TalkTimer), NAMED(Fight_status), NAMED(Battle_Turn), NAMED(BATTLE_MESSAGE),
@@ -53,33 +49,29 @@ std::vector<Global> listAll() {
         NAMED(enemy_params.pos_x),
     };
 #undef NAMED
-    for (const auto &[name, place] : singles) {
-        add(name, place);
-    }
     const std::pair<std::string, float *> points[] = {
         {"position", position}, {"positionold", positionold}, {"vect", vect}, {"camrot", camrot},
         {"eye", camera.eye}, {"center", camera.center}, {"up", camera.up}};
     for (const auto &[name, coordinates] : points) {
         for (int axis = 0; axis < 3; ++axis) {
-            add(name + '.' + "xyz"[axis], coordinates + axis);
+            all.push_back({name + '.' + "xyz"[axis], coordinates + axis});
         }
+    }
+    for (Global &global : all) {
+        global.start = value(global.place);
     }
     return all;
 }
 // clang-format on
 
-// Before main, so that the start values are the game's own.
-std::vector<Global> &table() {
-    static std::vector<Global> all = listAll();
-    return all;
-}
-const bool LISTED = !table().empty();
+// Made before main, so that the start values are the game's own.
+std::vector<Global> table = listAll();
 
 }  // namespace
 
 std::string changes() {
     std::string all;
-    for (Global &global : table()) {
+    for (Global &global : table) {
         const double now = value(global.place);
         if (global.watched && now != global.seen) {
             all += (all.empty() ? "" : "  ") + global.name + ' ' + text(now);
@@ -90,7 +82,7 @@ std::string changes() {
 }
 
 void reset() {
-    for (const Global &global : table()) {
+    for (const Global &global : table) {
         assign(global.place, global.start);
     }
     collision_back = 0;
@@ -99,14 +91,14 @@ void reset() {
 }
 
 void watchNone() {
-    for (Global &global : table()) {
+    for (Global &global : table) {
         global.watched = false;
     }
 }
 
 bool watch(const std::string &name) {
     bool found = false;
-    for (Global &global : table()) {
+    for (Global &global : table) {
         if (global.name == name || global.name.substr(0, global.name.find('.')) == name) {
             found = global.watched = true;
         }
@@ -115,9 +107,9 @@ bool watch(const std::string &name) {
 }
 
 bool set(const std::string &name, double value) {
-    const auto found = std::find_if(table().begin(), table().end(),
+    const auto found = std::find_if(table.begin(), table.end(),
                                     [&name](const Global &global) { return global.name == name; });
-    if (found == table().end()) {
+    if (found == table.end()) {
         return false;
     }
     assign(found->place, value);

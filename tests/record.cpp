@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
+#include <map>
 
 #include "assets.h"
 #include "globals.h"
@@ -69,11 +69,10 @@ struct Item {
     }
 };
 
-using Names = std::vector<std::pair<unsigned, std::string>>;
+using Names = std::map<unsigned, std::string>;
 
 std::string nameIn(const Names &names, unsigned object) {
-    const auto found = std::find_if(names.begin(), names.end(),
-                                    [object](const auto &known) { return known.first == object; });
+    const auto found = names.find(object);
     return found == names.end() ? std::to_string(object) : found->second;
 }
 
@@ -85,7 +84,7 @@ std::string textureName(unsigned name) {
         {skybox[NORTH], "north"}, {skybox[SOUTH], "south"}, {skybox[WEST], "west"},
         {skybox[EAST], "east"}};
     for (unsigned slot = 0; slot < texture_back; ++slot) {
-        names.emplace_back(texture[slot], "model" + std::to_string(slot));
+        names.try_emplace(texture[slot], "model" + std::to_string(slot));
     }
     return nameIn(names, name);
 }
