@@ -8,6 +8,7 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 #include "compare.h"
@@ -81,11 +82,11 @@ std::string nameOf(const std::string &line) {
 
 // Tells what these lines show otherwise than the last ones, and the names of what is gone.
 void tellNews(const Lines &lines, Lines &last) {
+    std::set<std::string> names;
+    std::transform(lines.begin(), lines.end(), std::inserter(names, names.end()), nameOf);
     std::string gone;
     for (const std::string &line : last) {
-        const std::string name = nameOf(line);
-        if (std::none_of(lines.begin(), lines.end(),
-                         [&name](const std::string &other) { return nameOf(other) == name; })) {
+        if (const std::string name = nameOf(line); !names.contains(name)) {
             gone += (gone.empty() ? "  gone: " : ", ") + name.substr(2);
         }
     }
@@ -192,7 +193,7 @@ void set(const Words &words) {
 void drawScene(const Words &words) {
     recording::clear();
     camera.setup();
-    require(scenes::draw(words[1]), words[1] + " is no scene");
+    known(SCENES, words[1], "scene")();
     tell(record::drawings(record::PARTS));
     if (const std::string left = record::leftBehind(); left != lastLeft) {
         tell({lastLeft = left});
@@ -285,8 +286,7 @@ void capturePrinted() {
 void play(const std::string &line) {
     const Words words = compare::wordsOf(line);
     const Command &command = known(COMMANDS, words[0], "command");
-    require(words.size() >= command.words, "a word is missing");
-    require(words.size() <= command.most, "there are words too many");
+    require(words.size() >= command.words && words.size() <= command.most, "too few or many words");
     const bool counted = command.repeated && words.size() == command.most;
     tell({"> " + line});
     for (int times = counted ? whole(words.back()) : 1; times > 0; --times) {

@@ -85,9 +85,6 @@ void reset() {
     for (const Global &global : table) {
         assign(global.place, global.start);
     }
-    collision_back = 0;
-    marked_params = enemy_params = {};
-    changes();
 }
 
 void watchNone() {

@@ -5,8 +5,8 @@
 // The game's plain state by name, for tests that say what a step changes.
 namespace globals {
 
-// Every global that differs from the last call, from the reset, from its setting, or at first from
-// 0, in the order of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
+// Every global that differs from the last call, from its setting, or at first from 0, in the order
+// of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
 std::string changes();
 
 // From now on, changes() tells of those alone that are then named to watch(): "eye.z", or "eye" for
@@ -14,7 +14,7 @@ std::string changes();
 void watchNone();
 bool watch(const std::string &name);
 
-// The start values of the game's state and an empty scene.
+// Gives all their start values.
 void reset();
 
 // Sets one of them. False if there is none of this name.
