@@ -8,6 +8,7 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <stdexcept>
 
@@ -51,15 +52,13 @@ void require(bool holds, const std::string &otherwise) {
 }
 
 double number(const std::string &word) {
-    double value = 0;
-    require(compare::readNumber(word, value), word + " is no number");
-    return value;
+    const std::optional<double> value = compare::readNumber(word);
+    require(value.has_value(), word + " is no number");
+    return *value;
 }
 
 int whole(const std::string &word) {
-    const double value = number(word);
-    require(value == static_cast<int>(value), word + " is no whole number");
-    return static_cast<int>(value);
+    return static_cast<int>(number(word));
 }
 
 void tell(const Lines &lines) {
@@ -177,10 +176,7 @@ void start(const Words &words) {
 }
 
 void watch(const Words &words) {
-    globals::watchNone();
-    for (std::size_t i = 1; i < words.size(); ++i) {
-        require(globals::watch(words[i]), words[i] + " is no global");
-    }
+    require(globals::watch({words.begin() + 1, words.end()}), "not all of these are globals");
 }
 
 void set(const Words &words) {

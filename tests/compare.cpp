@@ -41,10 +41,10 @@ std::string beginning(const std::string &line) {
 }
 
 bool sameWord(const std::string &a, const std::string &b) {
-    double x = 0;
-    double y = 0;
-    return a == b || (readNumber(a, x) && readNumber(b, y) &&
-                      std::fabs(x - y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(x));
+    const std::optional<double> x = readNumber(a);
+    const std::optional<double> y = readNumber(b);
+    return a == b ||
+           (x && y && std::fabs(*x - *y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(*x));
 }
 
 }  // namespace
@@ -54,10 +54,10 @@ Words wordsOf(const std::string &text) {
     return {std::istream_iterator<std::string>(stream), {}};
 }
 
-bool readNumber(const std::string &word, double &number) {
+std::optional<double> readNumber(const std::string &word) {
     char *end = nullptr;
-    number = std::strtod(word.c_str(), &end);
-    return !word.empty() && *end == '\0';
+    const double number = std::strtod(word.c_str(), &end);
+    return word.empty() || *end != '\0' ? std::nullopt : std::optional(number);
 }
 
 bool same(const std::string &a, const std::string &b) {

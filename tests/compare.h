@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ std::string difference(const std::string &expected, const std::string &actual);
 // The words between spaces.
 std::vector<std::string> wordsOf(const std::string &text);
 
-// Reads a number that is the whole word. False if it isn't one.
-bool readNumber(const std::string &word, double &number);
+// The number that is the whole word.
+std::optional<double> readNumber(const std::string &word);
 
 }  // namespace compare

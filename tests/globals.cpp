@@ -87,20 +87,15 @@ void reset() {
     }
 }
 
-void watchNone() {
+bool watch(const std::set<std::string> &names) {
+    std::set<std::string> unknown = names;
     for (Global &global : table) {
-        global.watched = false;
+        const std::string array = global.name.substr(0, global.name.find('.'));
+        global.watched = names.contains(global.name) || names.contains(array);
+        unknown.erase(global.name);
+        unknown.erase(array);
     }
-}
-
-bool watch(const std::string &name) {
-    bool found = false;
-    for (Global &global : table) {
-        if (global.name == name || global.name.substr(0, global.name.find('.')) == name) {
-            found = global.watched = true;
-        }
-    }
-    return found;
+    return unknown.empty();
 }
 
 bool set(const std::string &name, double value) {

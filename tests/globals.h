@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 
 // The game's plain state by name, for tests that say what a step changes.
@@ -9,10 +10,9 @@ namespace globals {
 // of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
 std::string changes();
 
-// From now on, changes() tells of those alone that are then named to watch(): "eye.z", or "eye" for
-// all its coordinates. False if there is none of this name.
-void watchNone();
-bool watch(const std::string &name);
+// From now on, changes() tells of these alone: "eye.z", or "eye" for all its coordinates. False if
+// there is none of some name.
+bool watch(const std::set<std::string> &names);
 
 // Gives all their start values.
 void reset();

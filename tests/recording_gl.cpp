@@ -54,9 +54,9 @@ void check(bool right, Name call, Name fault) {
 }
 
 // The enumerator's name; the record shows where it is one of another kind.
-Name known(Name call, GLenum value) {
+Name known(GLenum value) {
     const auto found = NAMES.find(value);
-    check(found != NAMES.end(), call, "unknown enumerator");
+    check(found != NAMES.end(), "a call", "unknown enumerator");
     return found == NAMES.end() ? "unknown" : found->second;
 }
 
@@ -223,7 +223,7 @@ void srand(unsigned seed) noexcept(QUIET) { randomState = seed; }
 
 void glBegin(GLenum mode) {
     runOutside("glBegin", [=] {
-        draw(PRIMITIVE, known("glBegin", mode));
+        draw(PRIMITIVE, known(mode));
         context.begun = true;
     });
 }
@@ -300,26 +300,22 @@ void glViewport(int x, int y, int width, int height) {
 void glEnable(GLenum capability) { enable(capability, true); }
 void glDisable(GLenum capability) { enable(capability, false); }
 void glBlendFunc(GLenum source, GLenum destination) {
-    runOutside("glBlendFunc", [=] {
-        now.blending = {known("glBlendFunc", source),
-                        known("glBlendFunc", destination)};
-    });
+    runOutside("glBlendFunc", [=] { now.blending = {known(source), known(destination)}; });
 }
 void glStencilFunc(GLenum function, int reference, unsigned mask) {
     runOutside("glStencilFunc", [=] {
-        now.stencilFunction = known("glStencilFunc", function);
+        now.stencilFunction = known(function);
         now.stencilReference = reference;
         now.stencilMask = mask;
     });
 }
 void glStencilOp(GLenum fail, GLenum depthFail, GLenum pass) {
     runOutside("glStencilOp", [=] {
-        const auto name = [](GLenum o) { return known("glStencilOp", o); };
-        now.stencilOperations = {name(fail), name(depthFail), name(pass)};
+        now.stencilOperations = {known(fail), known(depthFail), known(pass)};
     });
 }
 void glShadeModel(GLenum mode) {
-    runOutside("glShadeModel", [=] { now.shading = known("glShadeModel", mode); });
+    runOutside("glShadeModel", [=] { now.shading = known(mode); });
 }
 void glLightfv(GLenum light, GLenum parameter, const float *values) {
     const glm::vec4 v = glm::make_vec4(values);
@@ -360,7 +356,7 @@ void glBindTexture(GLenum target, unsigned name) {
 void glTexParameteri(GLenum target, GLenum parameter, int value) {
     runOutside("glTexParameter", [=] {
         boundTexture(target).values.at(parameter - GL_TEXTURE_MAG_FILTER) =
-            known("glTexParameter", static_cast<GLenum>(value));
+            known(static_cast<GLenum>(value));
     });
 }
 void glTexParameterf(GLenum target, GLenum parameter, float value) {
@@ -370,7 +366,7 @@ void glTexEnvf(GLenum target, GLenum parameter, float value) {
     runOutside("glTexEnvf", [=] {
         check(target == GL_TEXTURE_ENV && parameter == GL_TEXTURE_ENV_MODE, "glTexEnvf",
               "unknown enumerator");
-        now.environment = known("glTexEnvf", static_cast<GLenum>(value));
+        now.environment = known(static_cast<GLenum>(value));
     });
 }
 void glTexImage2D(GLenum target, int level, int components, int width, int height, int border,
