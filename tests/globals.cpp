@@ -1,7 +1,9 @@
 #include "globals.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
 #include <variant>
 #include <vector>
 
@@ -112,12 +114,7 @@ bool set(const std::string &name, double value) {
 }  // namespace globals
 
 std::string text(double number) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.4f", number);
-    std::string result = buffer;
-    result.erase(result.find_last_not_of('0') + 1);
-    if (result.back() == '.') {
-        result.pop_back();
-    }
-    return result == "-0" ? "0" : result;
+    std::ostringstream words;
+    words << std::setprecision(15) << std::round(number * 1e4) / 1e4 + 0.0;
+    return words.str();
 }

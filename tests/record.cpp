@@ -104,19 +104,19 @@ bool onScreen(const State &s) {
 std::string stateText(const State &s) {
     using namespace recording;
     std::string line;
-    const auto add = [&line](bool on, const std::string &words) { line += on ? ", " + words : ""; };
+    const auto on = [&s](GLenum capability) { return s.on.contains(capability); };
+    const auto add = [&line](bool so, const std::string &words) { line += so ? ", " + words : ""; };
     const auto found = textures().find(s.texture);
     const Texture bound = found == textures().end() ? Texture() : found->second;
-    add(s.on.contains(GL_TEXTURE_2D),
+    add(on(GL_TEXTURE_2D),
         std::string(s.environment) + ' ' + bound.values[WRAP_S] + ' ' + bound.values[WRAP_T]);
-    add(s.on.contains(GL_LIGHTING), std::string("lit ") + s.shading);
-    add(s.on.contains(GL_LIGHTING) && !s.on.contains(GL_COLOR_MATERIAL), "without colour");
-    add(s.on.contains(GL_LIGHTING) && !s.on.contains(GL_NORMALIZE), "without normalize");
-    add(s.on.contains(GL_LIGHTING) && !(s.on.contains(GL_LIGHT0) && s.on.contains(GL_LIGHT1)),
-        "by one light");
-    add(s.on.contains(GL_BLEND), std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
-    add(s.on.contains(GL_DEPTH_TEST), "depth");
-    add(s.on.contains(GL_STENCIL_TEST),
+    add(on(GL_LIGHTING), std::string("lit ") + s.shading);
+    add(on(GL_LIGHTING) && !on(GL_COLOR_MATERIAL), "without colour");
+    add(on(GL_LIGHTING) && !on(GL_NORMALIZE), "without normalize");
+    add(on(GL_LIGHTING) && !(on(GL_LIGHT0) && on(GL_LIGHT1)), "by one light");
+    add(on(GL_BLEND), std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
+    add(on(GL_DEPTH_TEST), "depth");
+    add(on(GL_STENCIL_TEST),
         std::string("stencil ") + s.stencilFunction + ' ' + std::to_string(s.stencilReference) +
             ' ' + (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] + ' ' +
             s.stencilOperations[1] + ' ' + s.stencilOperations[2]);

@@ -320,7 +320,6 @@ void glShadeModel(GLenum mode) {
 void glLightfv(GLenum light, GLenum parameter, const float *values) {
     const glm::vec4 v = glm::make_vec4(values);
     runOutside("glLightfv", [=] {
-        check(light == GL_LIGHT0 || light == GL_LIGHT1, "glLightfv", "unknown enumerator");
         const auto value = static_cast<Light_Value>(parameter - GL_AMBIENT);
         now.lights.at(light - GL_LIGHT0).at(value) =
             value == POSITION ? glm::mat4(now.modelview) * v : v;
