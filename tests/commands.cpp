@@ -30,9 +30,7 @@ constexpr int WINDOW[] = {1280, 1024};  // after "start town"
 
 std::ifstream printed;  // the program's standard output
 bool started = false;
-Lines lastNames;  // as "show" told them last
-Lines lastScreen;
-Lines lastPicture;
+std::map<std::string, Lines> lastTold;  // by "show", "screen" and "picture"
 std::string lastLeft;
 
 // Where the word is looked up in the table; `what` says what it should have been.
@@ -121,39 +119,31 @@ void button(const Words &words) {
                               known(STATES, words[2], "state of a button"), POINTER[0], POINTER[1]);
 }
 
-void update(const Words & /*words*/ = {}) {
+void update() {
     recording::window().idle();
 }
 
-void frame(const Words & /*words*/ = {}) {
+void frame() {
     recording::clear();
     recording::window().display();
 }
 
-void step(const Words & /*words*/ = {}) {
+void step() {
     update();
     frame();
 }
 
-void show(const Words & /*words*/ = {}) {
+// Draws a frame and tells what the command of this name hasn't told yet.
+void tellFrame(const std::string &command) {
     frame();
-    tellNews(record::drawings(record::NAMES), lastNames);
-}
-
-void picture(const Words & /*words*/ = {}) {
-    frame();
-    Lines lines = record::drawings(record::RUNS);
-    lines.push_back(record::leftBehind());
-    tellNews(lines, lastPicture);
+    Lines lines = record::drawings(command == "show" ? record::NAMES : record::RUNS);
+    if (command == "screen") {
+        std::erase_if(lines, [](const auto &line) { return line.find(" screen") > line.size(); });
+    } else if (command == "picture") {
+        lines.push_back(record::leftBehind());
+    }
+    tellNews(lines, lastTold[command]);
     tellFaults();
-}
-
-// Only what lies on the screen, over the world.
-void screen(const Words & /*words*/ = {}) {
-    frame();
-    Lines lines = record::drawings(record::RUNS);
-    std::erase_if(lines, [](const auto &line) { return line.find(" screen") > line.size(); });
-    tellNews(lines, lastScreen);
 }
 
 void start(const Words &words) {
@@ -168,9 +158,9 @@ void start(const Words &words) {
     step();
     step();
     const std::size_t lines = told.size();
-    show();
-    screen();
-    picture();
+    for (const char *command : {"show", "screen", "picture"}) {
+        tellFrame(command);
+    }
     told.resize(lines);
     globals::changes();
 }
@@ -241,18 +231,18 @@ const std::map<std::string, Command> COMMANDS = {
     {"release",    {release, 2, 3, true}},
     {"tap",        {[](const Words &w) { press(w); release(w); update(); }, 2, 3, true}},
     {"hold",       {[](const Words &w) { press(w); update(); }, 2, 3, true}},
-    {"update",     {update, 1, 2, true}},
-    {"frame",      {frame, 1, 2, true}},
-    {"step",       {step, 1, 2, true}},
+    {"update",     {[](const Words &) { update(); }, 1, 2, true}},
+    {"frame",      {[](const Words &) { frame(); }, 1, 2, true}},
+    {"step",       {[](const Words &) { step(); }, 1, 2, true}},
     {"button",     {button, 3, 3}},
     {"motion",     {[](const Words &w) {
         recording::window().passiveMotion(whole(w[1]), whole(w[2])); }, 3, 3}},
     {"reshape",    {[](const Words &w) {
         recording::window().reshape(whole(w[1]), whole(w[2])); }, 3, 3}},
     {"set",        {set, 3, ANY}},
-    {"show",       {show, 1, 1}},
-    {"screen",     {screen, 1, 1}},
-    {"picture",    {picture, 1, 1}},
+    {"show",       {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
+    {"screen",     {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
+    {"picture",    {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
     {"view",       {[](const Words &) { frame(); tell(record::views()); }, 1, 1}},
     {"draw",       {drawScene, 2, 2}},
     {"objects",    {[](const Words &) { tell(record::objects()); }, 1, 1}},
