@@ -1,8 +1,10 @@
 #include "collision.h"
 
+#include <gtest/gtest.h>
+
 #include <tuple>
 
-#include "game_test.h"
+#include "scene_collision.h"
 
 namespace {
 
@@ -42,9 +44,8 @@ TEST(Collision, AnswersTheSecondFootprintsCodeWhereTheyMeet) {
     }
 }
 
-using Footprints = Game_Test;
-
-TEST_F(Footprints, BeyondTheLastAreDropped) {
+TEST(Footprints, BeyondTheLastAreDropped) {
+    collision_back = 0;
     while (collision_back < MAX_FOOTPRINTS) {
         appendFootprint(ENEMY, 0, 1, 0, 1);
     }

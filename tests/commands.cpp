@@ -8,6 +8,8 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <optional>
+#include <set>
 #include <stdexcept>
 
 #include "compare.h"
@@ -28,9 +30,7 @@ constexpr int WINDOW[] = {1280, 1024};  // after "start town"
 
 std::ifstream printed;  // the program's standard output
 bool started = false;
-Lines lastNames;  // as "show" told them last
-Lines lastScreen;
-Lines lastPicture;
+std::map<std::string, Lines> lastTold;  // by "show", "screen" and "picture"
 std::string lastLeft;
 
 // Where the word is looked up in the table; `what` says what it should have been.
@@ -50,15 +50,13 @@ void require(bool holds, const std::string &otherwise) {
 }
 
 double number(const std::string &word) {
-    double value = 0;
-    require(compare::readNumber(word, value), word + " is no number");
-    return value;
+    const std::optional<double> value = compare::readNumber(word);
+    require(value.has_value(), word + " is no number");
+    return *value;
 }
 
 int whole(const std::string &word) {
-    const double value = number(word);
-    require(value == static_cast<int>(value), word + " is no whole number");
-    return static_cast<int>(value);
+    return static_cast<int>(number(word));
 }
 
 void tell(const Lines &lines) {
@@ -81,11 +79,11 @@ std::string nameOf(const std::string &line) {
 
 // Tells what these lines show otherwise than the last ones, and the names of what is gone.
 void tellNews(const Lines &lines, Lines &last) {
+    std::set<std::string> names;
+    std::transform(lines.begin(), lines.end(), std::inserter(names, names.end()), nameOf);
     std::string gone;
     for (const std::string &line : last) {
-        const std::string name = nameOf(line);
-        if (std::none_of(lines.begin(), lines.end(),
-                         [&name](const std::string &other) { return nameOf(other) == name; })) {
+        if (const std::string name = nameOf(line); !names.contains(name)) {
             gone += (gone.empty() ? "  gone: " : ", ") + name.substr(2);
         }
     }
@@ -121,39 +119,31 @@ void button(const Words &words) {
                               known(STATES, words[2], "state of a button"), POINTER[0], POINTER[1]);
 }
 
-void update(const Words & /*words*/ = {}) {
+void update() {
     recording::window().idle();
 }
 
-void frame(const Words & /*words*/ = {}) {
+void frame() {
     recording::clear();
     recording::window().display();
 }
 
-void step(const Words & /*words*/ = {}) {
+void step() {
     update();
     frame();
 }
 
-void show(const Words & /*words*/ = {}) {
+// Draws a frame and tells what the command of this name hasn't told yet.
+void tellFrame(const std::string &command) {
     frame();
-    tellNews(record::drawings(record::NAMES), lastNames);
-}
-
-void picture(const Words & /*words*/ = {}) {
-    frame();
-    Lines lines = record::drawings(record::RUNS);
-    lines.push_back(record::leftBehind());
-    tellNews(lines, lastPicture);
+    Lines lines = record::drawings(command == "show" ? record::NAMES : record::RUNS);
+    if (command == "screen") {
+        std::erase_if(lines, [](const auto &line) { return line.find(" screen") > line.size(); });
+    } else if (command == "picture") {
+        lines.push_back(record::leftBehind());
+    }
+    tellNews(lines, lastTold[command]);
     tellFaults();
-}
-
-// Only what lies on the screen, over the world.
-void screen(const Words & /*words*/ = {}) {
-    frame();
-    Lines lines = record::drawings(record::RUNS);
-    std::erase_if(lines, [](const auto &line) { return line.find(" screen") > line.size(); });
-    tellNews(lines, lastScreen);
 }
 
 void start(const Words &words) {
@@ -168,18 +158,15 @@ void start(const Words &words) {
     step();
     step();
     const std::size_t lines = told.size();
-    show();
-    screen();
-    picture();
+    for (const char *command : {"show", "screen", "picture"}) {
+        tellFrame(command);
+    }
     told.resize(lines);
     globals::changes();
 }
 
 void watch(const Words &words) {
-    globals::watchNone();
-    for (std::size_t i = 1; i < words.size(); ++i) {
-        require(globals::watch(words[i]), words[i] + " is no global");
-    }
+    require(globals::watch({words.begin() + 1, words.end()}), "not all of these are globals");
 }
 
 void set(const Words &words) {
@@ -192,7 +179,7 @@ void set(const Words &words) {
 void drawScene(const Words &words) {
     recording::clear();
     camera.setup();
-    require(scenes::draw(words[1]), words[1] + " is no scene");
+    known(SCENES, words[1], "scene")();
     tell(record::drawings(record::PARTS));
     if (const std::string left = record::leftBehind(); left != lastLeft) {
         tell({lastLeft = left});
@@ -244,18 +231,18 @@ const std::map<std::string, Command> COMMANDS = {
     {"release",    {release, 2, 3, true}},
     {"tap",        {[](const Words &w) { press(w); release(w); update(); }, 2, 3, true}},
     {"hold",       {[](const Words &w) { press(w); update(); }, 2, 3, true}},
-    {"update",     {update, 1, 2, true}},
-    {"frame",      {frame, 1, 2, true}},
-    {"step",       {step, 1, 2, true}},
+    {"update",     {[](const Words &) { update(); }, 1, 2, true}},
+    {"frame",      {[](const Words &) { frame(); }, 1, 2, true}},
+    {"step",       {[](const Words &) { step(); }, 1, 2, true}},
     {"button",     {button, 3, 3}},
     {"motion",     {[](const Words &w) {
         recording::window().passiveMotion(whole(w[1]), whole(w[2])); }, 3, 3}},
     {"reshape",    {[](const Words &w) {
         recording::window().reshape(whole(w[1]), whole(w[2])); }, 3, 3}},
     {"set",        {set, 3, ANY}},
-    {"show",       {show, 1, 1}},
-    {"screen",     {screen, 1, 1}},
-    {"picture",    {picture, 1, 1}},
+    {"show",       {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
+    {"screen",     {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
+    {"picture",    {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
     {"view",       {[](const Words &) { frame(); tell(record::views()); }, 1, 1}},
     {"draw",       {drawScene, 2, 2}},
     {"objects",    {[](const Words &) { tell(record::objects()); }, 1, 1}},
@@ -286,8 +273,7 @@ void capturePrinted() {
 void play(const std::string &line) {
     const Words words = compare::wordsOf(line);
     const Command &command = known(COMMANDS, words[0], "command");
-    require(words.size() >= command.words, "a word is missing");
-    require(words.size() <= command.most, "there are words too many");
+    require(words.size() >= command.words && words.size() <= command.most, "too few or many words");
     const bool counted = command.repeated && words.size() == command.most;
     tell({"> " + line});
     for (int times = counted ? whole(words.back()) : 1; times > 0; --times) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
+#include <map>
 #include <sstream>
 
 namespace compare {
@@ -15,68 +16,35 @@ using Words = std::vector<std::string>;
 constexpr double TOLERANCE = 0.002;
 constexpr double RELATIVE_TOLERANCE = 2e-7;
 
-struct Field {
-    std::string label;
-    Words values;
-};
+using Fields = std::map<std::string, std::string>;  // labels, and what follows them
 
 // A text in quotes is a label; what is in brackets is a state. Of the others, the first word is.
-std::vector<Field> fieldsOf(const std::string &line) {
-    std::vector<Field> fields;
-    for (std::size_t at = line.find_first_not_of(' '); at < line.size();
-         at = line.find_first_not_of(' ', at)) {
+Fields fieldsOf(const std::string &line) {
+    Fields fields;
+    std::size_t end = 0;
+    for (std::size_t at = 0; (at = line.find_first_not_of(' ', end)) < line.size();) {
         const std::size_t quoted = line[at] == '"' ? line.find('"', at + 1) : at;
-        const std::size_t end = std::min(line.find("  ", quoted), line.size());
-        const std::string text = line.substr(at, end - at);
-        const std::size_t labelEnd = std::min(line.find(' ', quoted), end) - at;
-        fields.push_back(text[0] == '['
-                             ? Field{"state", {text}}
-                             : Field{text.substr(0, labelEnd), wordsOf(text.substr(labelEnd))});
-        at = end;
+        end = std::min(line.find("  ", quoted), line.size());
+        const std::size_t labelEnd = std::min(line.find(' ', quoted), end);
+        if (line[at] == '[') {
+            fields["state"] = ' ' + line.substr(at, end - at);
+        } else {
+            fields[line.substr(at, labelEnd - at)] = line.substr(labelEnd, end - labelEnd);
+        }
     }
     return fields;
 }
 
-std::string join(const Words &words) {
-    std::string text;
-    for (const std::string &word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
+// The first word after the indentation ends it.
+std::string beginning(const std::string &line) {
+    return line.substr(0, line.find(' ', 3));
 }
 
 bool sameWord(const std::string &a, const std::string &b) {
-    double x = 0;
-    double y = 0;
-    return a == b || (readNumber(a, x) && readNumber(b, y) &&
-                      std::fabs(x - y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(x));
-}
-
-// What the i-th value of a field is called, before a space: "y ", "sum ", or nothing.
-std::string nameOf(const Field &field, std::size_t i) {
-    const auto tilde = std::find(field.values.begin(), field.values.end(), "~");
-    const auto parts = static_cast<std::size_t>(tilde - field.values.begin());
-    if (i > parts) {
-        return "sum ";
-    }
-    return parts < 2 || parts > 4
-               ? ""
-               : std::string(field.label == "colour" ? "rgba" : "xyzw", i, 1) + ' ';
-}
-
-// Adds "LABEL OLD -> NEW" for each of the field's values that differs.
-void addDifferences(const Field &expected, const Field &actual, Words &all) {
-    const Words &a = expected.values;
-    const Words &b = actual.values;
-    if (a.size() != b.size()) {
-        all.push_back(expected.label + ' ' + join(a) + " -> " + join(b));
-        return;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (!sameWord(a[i], b[i])) {
-            all.push_back(expected.label + ' ' + nameOf(expected, i) + a[i] + " -> " + b[i]);
-        }
-    }
+    const std::optional<double> x = readNumber(a);
+    const std::optional<double> y = readNumber(b);
+    return a == b ||
+           (x && y && std::fabs(*x - *y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(*x));
 }
 
 }  // namespace
@@ -86,10 +54,10 @@ Words wordsOf(const std::string &text) {
     return {std::istream_iterator<std::string>(stream), {}};
 }
 
-bool readNumber(const std::string &word, double &number) {
+std::optional<double> readNumber(const std::string &word) {
     char *end = nullptr;
-    number = std::strtod(word.c_str(), &end);
-    return !word.empty() && *end == '\0';
+    const double number = std::strtod(word.c_str(), &end);
+    return word.empty() || *end != '\0' ? std::nullopt : std::optional(number);
 }
 
 bool same(const std::string &a, const std::string &b) {
@@ -99,27 +67,20 @@ bool same(const std::string &a, const std::string &b) {
 }
 
 std::string difference(const std::string &expected, const std::string &actual) {
-    const std::vector<Field> wanted = fieldsOf(expected);
-    std::vector<Field> got = fieldsOf(actual);
-    if (wanted.empty() || got.empty() || wanted[0].label != got[0].label) {
+    if (beginning(expected) != beginning(actual)) {
         return "\n  expected " + expected + "\n  actual   " + actual;
     }
-    Words all;
-    for (const Field &field : wanted) {
-        const auto other = std::find_if(got.begin(), got.end(), [&field](const Field &candidate) {
-            return candidate.label == field.label;
-        });
-        addDifferences(field, other == got.end() ? Field{"", {"nothing"}} : *other, all);
-        if (other != got.end()) {
-            got.erase(other);
-        }
-    }
-    for (const Field &field : got) {
-        all.push_back(field.label + " nothing -> " + join(field.values));
+    Fields wanted = fieldsOf(expected);
+    Fields got = fieldsOf(actual);
+    for (const auto &[label, values] : got) {
+        wanted.try_emplace(label, " nothing");
     }
     std::string text;
-    for (const std::string &one : all) {
-        text += (text.empty() ? "" : ", ") + one;
+    for (const auto &[label, values] : wanted) {
+        const std::string other = got.try_emplace(label, " nothing").first->second;
+        if (!same(values, other)) {
+            text += (text.empty() ? "" : ", ") + label + values + " ->" + other;
+        }
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,14 +11,14 @@ namespace compare {
 // processor's arithmetic.
 bool same(const std::string &a, const std::string &b);
 
-// In which words the lines differ: "parts x1551: normal sum 112.2216 -> 209.3". Both lines, one
+// In which fields the lines differ: "normal 0 1 0 ~ 112.2216 -> 0 1 0 ~ 209.3". Both lines, one
 // below the other, where they begin otherwise and so tell different things.
 std::string difference(const std::string &expected, const std::string &actual);
 
 // The words between spaces.
 std::vector<std::string> wordsOf(const std::string &text);
 
-// Reads a number that is the whole word. False if it isn't one.
-bool readNumber(const std::string &word, double &number);
+// The number that is the whole word.
+std::optional<double> readNumber(const std::string &word);
 
 }  // namespace compare

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <numeric>
 #include <set>
+#include <span>
 #include <string>
 
 #include "game_objects.h"
@@ -24,33 +25,15 @@ std::string path(const std::string &name) {
     return DATA_FOLDER "/" + name;
 }
 
-// In the model that was read last, every triangle has an area and faces the side to which its
-// normals point, and every place and texture coordinate belongs to a triangle. A wrong index in the
-// file breaks one of these in most cases.
-void expectSoundFaces() {
-    std::set<int> vertices;
-    std::set<int> texCoords;
-    for (int i = 0; i < o.triangleCount; ++i) {
-        const objFace &f = o.faces[i];
-        Vector3f places[3];
-        Vector3f normal;
-        for (int corner = 0; corner < 3; ++corner) {
-            const float *v = o.vertices + std::ptrdiff_t{3} * f.vertex[corner];
-            const float *n = o.normals + std::ptrdiff_t{3} * f.normal[corner];
-            places[corner] = {v[0], v[1], v[2]};
-            normal = normal + Vector3f(n[0], n[1], n[2]);
-            vertices.insert(f.vertex[corner]);
-            texCoords.insert(f.texCoord[corner]);
-        }
-        const Vector3f area = (places[1] - places[0]) * (places[2] - places[0]);
-        EXPECT_GT(area.norm(area), SMALLEST_AREA) << "triangle " << i;
-        EXPECT_GT(normal % area, 0) << "triangle " << i << " is turned away from its normals";
-    }
-    EXPECT_EQ(vertices.size(), static_cast<std::size_t>(o.vertexCount)) << "a place is left out";
-    EXPECT_EQ(texCoords.size(), static_cast<std::size_t>(o.texCoordCount));
+Vector3f record(const float *array, int index) {
+    const float *r = array + std::ptrdiff_t{3} * index;
+    return {r[0], r[1], r[2]};
 }
 
-TEST(Data, ModelsStandOnTheGroundWithinTheirRoomAndBudget) {
+// Every triangle has an area and faces the side to which its normals point, and every place and
+// texture coordinate belongs to a triangle. A wrong index in a file breaks one of these in most
+// cases.
+TEST(Data, ModelsAreSoundAndStandOnTheGroundWithinTheirRoomAndBudget) {
     // clang-format off
     const struct {
         const char *file;
@@ -76,26 +59,36 @@ TEST(Data, ModelsStandOnTheGroundWithinTheirRoomAndBudget) {
         EXPECT_GE(o.getTriangleCount(), 12);
         EXPECT_LE(o.getTriangleCount(), m.budget);
         EXPECT_TRUE(o.normalCount > 0 && o.texCoordCount > 0) << "it is lit and textured";
+        std::set<int> vertices;
+        std::set<int> texCoords;
         int sunk = 0;
         float lowest = m.top;
-        for (const objFace *f = o.faces; f != o.faces + o.triangleCount; ++f) {
-            const auto corner = [f](int i) {
-                return o.vertices + std::ptrdiff_t{3} * f->vertex[i];
-            };
-            const float low = std::min({corner(0)[1], corner(1)[1], corner(2)[1]});
+        for (const objFace &f : std::span(o.faces, o.faces + o.triangleCount)) {
+            Vector3f corners[3];
+            Vector3f normal;
+            for (int i = 0; i < 3; ++i) {
+                corners[i] = record(o.vertices, f.vertex[i]);
+                normal = normal + record(o.normals, f.normal[i]);
+                vertices.insert(f.vertex[i]);
+                texCoords.insert(f.texCoord[i]);
+            }
+            const Vector3f area = (corners[1] - corners[0]) * (corners[2] - corners[0]);
+            EXPECT_GT(area.norm(area), SMALLEST_AREA) << "triangle " << &f - o.faces;
+            EXPECT_GT(normal % area, 0) << "triangle " << &f - o.faces << " is turned away";
+            const float low = std::min({corners[0].y, corners[1].y, corners[2].y});
             if (low < m.ground - SLACK) {
                 ++sunk;
                 continue;
             }
             lowest = std::min(lowest, low);
-            for (int i = 0; i < 3; ++i) {
-                const float *c = corner(i);
-                EXPECT_TRUE(c[1] > m.top || (c[0] > m.minX - SLACK && c[0] < m.maxX + SLACK &&
-                                             std::fabs(c[2]) < m.depth + SLACK))
-                    << "out of its room at " << c[0] << ", " << c[1] << ", " << c[2];
+            for (const Vector3f &c : corners) {
+                EXPECT_TRUE(c.y > m.top || (c.x > m.minX - SLACK && c.x < m.maxX + SLACK &&
+                                            std::fabs(c.z) < m.depth + SLACK))
+                    << "out of its room at " << c.x << ", " << c.y << ", " << c.z;
             }
         }
-        expectSoundFaces();
+        EXPECT_EQ(vertices.size(), static_cast<std::size_t>(o.vertexCount)) << "one is left out";
+        EXPECT_EQ(texCoords.size(), static_cast<std::size_t>(o.texCoordCount));
         EXPECT_NEAR(lowest, m.ground, SLACK) << "stands on the ground";
         EXPECT_LE(sunk, 1) << "triangles below the ground: only one may anchor the box";
     }

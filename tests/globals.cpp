@@ -1,7 +1,9 @@
 #include "globals.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
 #include <variant>
 #include <vector>
 
@@ -19,7 +21,7 @@ using Place = std::variant<int *, unsigned *, float *, bool *>;
 struct Global {
     std::string name;
     Place place;
-    double start;
+    double start = 0;
     double seen = 0;
     bool watched = true;
 };
@@ -36,12 +38,8 @@ void assign(const Place &place, double value) {
 
 // clang-format off
 std::vector<Global> listAll() {
-    std::vector<Global> all;
-    const auto add = [&all](const std::string &name, const Place &place) {
-        all.push_back({name, place, value(place)});
-    };
 #define NAMED(global) {#global, &(global)}
-    const std::pair<const char *, Place> singles[] = {
+    std::vector<Global> all = {
         NAMED(status), NAMED(Menu), NAMED(option), NAMED(selectOption), NAMED(Rotating),
         NAMED(rotHor), NAMED(hor), NAMED(Zval), NAMED(Zstep), NAMED(TalkMenu), NAMED(IsTalkBool),
         NAMED(TalkTimer), NAMED(Fight_status), NAMED(Battle_Turn), NAMED(BATTLE_MESSAGE),
@@ -53,33 +51,29 @@ std::vector<Global> listAll() {
         NAMED(enemy_params.pos_x),
     };
 #undef NAMED
-    for (const auto &[name, place] : singles) {
-        add(name, place);
-    }
     const std::pair<std::string, float *> points[] = {
         {"position", position}, {"positionold", positionold}, {"vect", vect}, {"camrot", camrot},
         {"eye", camera.eye}, {"center", camera.center}, {"up", camera.up}};
     for (const auto &[name, coordinates] : points) {
         for (int axis = 0; axis < 3; ++axis) {
-            add(name + '.' + "xyz"[axis], coordinates + axis);
+            all.push_back({name + '.' + "xyz"[axis], coordinates + axis});
         }
+    }
+    for (Global &global : all) {
+        global.start = value(global.place);
     }
     return all;
 }
 // clang-format on
 
-// Before main, so that the start values are the game's own.
-std::vector<Global> &table() {
-    static std::vector<Global> all = listAll();
-    return all;
-}
-const bool LISTED = !table().empty();
+// Made before main, so that the start values are the game's own.
+std::vector<Global> table = listAll();
 
 }  // namespace
 
 std::string changes() {
     std::string all;
-    for (Global &global : table()) {
+    for (Global &global : table) {
         const double now = value(global.place);
         if (global.watched && now != global.seen) {
             all += (all.empty() ? "" : "  ") + global.name + ' ' + text(now);
@@ -90,34 +84,26 @@ std::string changes() {
 }
 
 void reset() {
-    for (const Global &global : table()) {
+    for (const Global &global : table) {
         assign(global.place, global.start);
     }
-    collision_back = 0;
-    marked_params = enemy_params = {};
-    changes();
 }
 
-void watchNone() {
-    for (Global &global : table()) {
-        global.watched = false;
+bool watch(const std::set<std::string> &names) {
+    std::set<std::string> unknown = names;
+    for (Global &global : table) {
+        const std::string array = global.name.substr(0, global.name.find('.'));
+        global.watched = names.contains(global.name) || names.contains(array);
+        unknown.erase(global.name);
+        unknown.erase(array);
     }
-}
-
-bool watch(const std::string &name) {
-    bool found = false;
-    for (Global &global : table()) {
-        if (global.name == name || global.name.substr(0, global.name.find('.')) == name) {
-            found = global.watched = true;
-        }
-    }
-    return found;
+    return unknown.empty();
 }
 
 bool set(const std::string &name, double value) {
-    const auto found = std::find_if(table().begin(), table().end(),
+    const auto found = std::find_if(table.begin(), table.end(),
                                     [&name](const Global &global) { return global.name == name; });
-    if (found == table().end()) {
+    if (found == table.end()) {
         return false;
     }
     assign(found->place, value);
@@ -128,12 +114,7 @@ bool set(const std::string &name, double value) {
 }  // namespace globals
 
 std::string text(double number) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.4f", number);
-    std::string result = buffer;
-    result.erase(result.find_last_not_of('0') + 1);
-    if (result.back() == '.') {
-        result.pop_back();
-    }
-    return result == "-0" ? "0" : result;
+    std::ostringstream words;
+    words << std::setprecision(15) << std::round(number * 1e4) / 1e4 + 0.0;
+    return words.str();
 }

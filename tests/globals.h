@@ -1,20 +1,20 @@
 #pragma once
 
+#include <set>
 #include <string>
 
 // The game's plain state by name, for tests that say what a step changes.
 namespace globals {
 
-// Every global that differs from the last call, from the reset, from its setting, or at first from
-// 0, in the order of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
+// Every global that differs from the last call, from its setting, or at first from 0, in the order
+// of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
 std::string changes();
 
-// From now on, changes() tells of those alone that are then named to watch(): "eye.z", or "eye" for
-// all its coordinates. False if there is none of this name.
-void watchNone();
-bool watch(const std::string &name);
+// From now on, changes() tells of these alone: "eye.z", or "eye" for all its coordinates. False if
+// there is none of some name.
+bool watch(const std::set<std::string> &names);
 
-// The start values of the game's state and an empty scene.
+// Gives all their start values.
 void reset();
 
 // Sets one of them. False if there is none of this name.

@@ -1,13 +1,14 @@
 #include "input.h"
 
-#include "game_test.h"
+#include <gtest/gtest.h>
+
+#include "game_state.h"
+#include "globals.h"
 
 namespace {
 
-using Input = Game_Test;
-
 // What the others do, the rounds show.
-TEST_F(Input, KeysWithoutAMeaningDoNothing) {
+TEST(Input, KeysWithoutAMeaningDoNothing) {
     const struct {
         int mode;
         std::string pressed, released;  // the keys with a meaning
@@ -21,10 +22,12 @@ TEST_F(Input, KeysWithoutAMeaningDoNothing) {
             const bool down = i < 256;
             const auto key = static_cast<unsigned char>(i);
             if ((down ? pressed : released).find(static_cast<char>(key)) == std::string::npos) {
-                restart();
+                globals::reset();
                 status = mode;
                 action = HELD_STILL;
-                EXPECT_EQ(after(down ? keyCallback : keyUpCallback, key, 3, 4), "")
+                globals::changes();
+                (down ? keyCallback : keyUpCallback)(key, 3, 4);
+                EXPECT_EQ(globals::changes(), "")
                     << "mode " << mode << ", " << (down ? "press" : "release") << " of key "
                     << +key;
             }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <sstream>
 #include <tuple>
 
@@ -93,10 +94,11 @@ TEST(Interpolate, PlayersOfOneFileAreIndependentAndResettable) {
 }
 
 TEST(Interpolate, AMissingFileIsReportedAtEveryAttempt) {
-    const Temp_File file(keyFile(2, {{0, 0}, {10, 1}}));
-    Interpolate looping(file.name(), true);
-    file.remove();
-    testing::internal::CaptureStdout();
+    std::optional<Temp_File> file(keyFile(2, {{0, 0}, {10, 1}}));
+    const std::string name = file->name();
+    Interpolate looping(name.c_str(), true);
+    testing::internal::CaptureStdout();  // which would take the closed file's descriptor
+    file.reset();
     EXPECT_EQ(play(looping, 6), "0 9.999 hold end end end") << "gone at its restart";
     Interpolate player("no/such/file", false);
     EXPECT_EQ(play(player, 2), "end end");

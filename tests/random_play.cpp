@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <numbers>
 #include <numeric>
 #include <random>
 #include <string>
@@ -59,16 +58,26 @@ int upTo(int most) {
     return static_cast<int>(numbers() % (static_cast<unsigned>(most) + 1));
 }
 
+[[noreturn]] void fail(const char *what) {
+    std::printf("seed %u, after %ld events: %s\n", seed, events, what);
+    std::fflush(stdout);
+    std::_Exit(EXIT_FAILURE);
+}
+
 void require(bool holds, const char *what) {
     if (!holds) {
-        std::printf("seed %u, after %ld events: %s\n", seed, events, what);
-        finished = true;
-        std::exit(EXIT_FAILURE);
+        fail(what);
     }
 }
 
 bool within(int value, int least, int most) {
     return value >= least && value <= most;
+}
+
+void requireNoFault() {
+    for (const std::string &fault : recording::faults()) {
+        fail(fault.c_str());
+    }
 }
 
 // Calls a callback, which asks for one redisplay, draws nothing and uses OpenGL rightly.
@@ -78,18 +87,14 @@ void call(void (*callback)(Arguments...), std::common_type_t<Arguments>... argum
     callback(arguments...);
     require(recording::redisplays() == 1, "a callback asks for one redisplay");
     require(recording::drawings().empty(), "a callback draws");
-    for (const std::string &fault : recording::faults()) {
-        require(false, fault.c_str());
-    }
+    requireNoFault();
 }
 
 void frame() {
     const int shownHealth = std::max(health, 0);
     recording::clear();
     recording::window().display();
-    for (const std::string &fault : recording::faults()) {
-        require(false, fault.c_str());
-    }
+    requireNoFault();
     require(recording::redisplays() == 0, "a frame asks for the next one");
     require(recording::drawings().back().kind == recording::SWAP, "a frame ends with the swap");
     std::string before;
@@ -176,11 +181,12 @@ void randomEvent() {
     }
 }
 
-// The key that takes the player on towards a point of the ground.
-unsigned char keyTowards(float x, float z) {
-    const float wanted = std::atan2(position[0] - x, position[2] - z);
-    const float off = std::remainder(wanted - objrot, 2 * std::numbers::pi_v<float>);
-    return off > 0.1F ? 'a' : off < -0.1F ? 'd' : 'w';
+// Puts the player where an enemy or somebody else stands.
+void visitSomebody() {
+    constexpr float PLACES[][2] = {{-5, 0}, {-15, 4}, {-60, 10}, {5, 0}, {-25, 0}, {20, 13}};
+    const auto &[x, z] = PLACES[upTo(std::size(PLACES) - 1)];
+    position[0] = x;
+    position[2] = z;
 }
 
 // A key for the move that the player likes at present: some are to defend, so that the health rises
@@ -196,25 +202,16 @@ unsigned char battleKey() {
     return '\r';
 }
 
-// A key that gets the player somewhere: to somebody in the town, most often to an enemy near by,
-// and on in a battle.
-unsigned char purposefulKey() {
-    static const std::vector<std::array<float, 2>> PLACES = {
-        {-5, 0}, {-5, 0},  {-5, 0},   {-5, 0},  {-15, 4}, {-60, 10},
-        {5, 0},  {-25, 0}, {-40, 11}, {20, 13}, {0, 0}};
-    static std::size_t place = 0;
-    if (upTo(99) == 0) {
-        place = static_cast<std::size_t>(upTo(static_cast<int>(PLACES.size()) - 1));
-    }
-    return status == TITLE    ? "pn"[upTo(1)]
-           : status == BATTLE ? battleKey()
-                              : keyTowards(PLACES[place][0], PLACES[place][1]);
-}
-
 void play(long updates) {
     for (long update = 0; update < updates; ++update) {
         ++events;
-        call(recording::window().keyboard, purposefulKey(), 0, 0);
+        const unsigned char key = status == TITLE    ? "pn"[upTo(1)]
+                                  : status == BATTLE ? battleKey()
+                                                     : 'w';
+        call(recording::window().keyboard, key, 0, 0);
+        if (status == TOWN && upTo(49) == 0) {
+            visitSomebody();
+        }
         for (int burst = upTo(3) > 0 ? 0 : upTo(9) == 0 ? 20 : 1; burst > 0; --burst) {
             randomEvent();
         }
@@ -241,11 +238,7 @@ void play(long updates) {
 
 // The game can end the program too, with the status of success.
 void requireFinish() {
-    if (!finished) {
-        std::printf("seed %u, after %ld events: the game ended the program\n", seed, events);
-        std::fflush(stdout);
-        std::_Exit(EXIT_FAILURE);
-    }
+    require(finished, "the game ended the program");
 }
 
 }  // namespace

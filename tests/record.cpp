@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
+#include <map>
 
 #include "assets.h"
 #include "globals.h"
@@ -69,11 +69,10 @@ struct Item {
     }
 };
 
-using Names = std::vector<std::pair<unsigned, std::string>>;
+using Names = std::map<unsigned, std::string>;
 
 std::string nameIn(const Names &names, unsigned object) {
-    const auto found = std::find_if(names.begin(), names.end(),
-                                    [object](const auto &known) { return known.first == object; });
+    const auto found = names.find(object);
     return found == names.end() ? std::to_string(object) : found->second;
 }
 
@@ -85,7 +84,7 @@ std::string textureName(unsigned name) {
         {skybox[NORTH], "north"}, {skybox[SOUTH], "south"}, {skybox[WEST], "west"},
         {skybox[EAST], "east"}};
     for (unsigned slot = 0; slot < texture_back; ++slot) {
-        names.emplace_back(texture[slot], "model" + std::to_string(slot));
+        names.try_emplace(texture[slot], "model" + std::to_string(slot));
     }
     return nameIn(names, name);
 }
@@ -105,20 +104,22 @@ bool onScreen(const State &s) {
 std::string stateText(const State &s) {
     using namespace recording;
     std::string line;
-    const auto add = [&line](bool on, const std::string &words) { line += on ? ", " + words : ""; };
+    const auto on = [&s](GLenum capability) { return s.on.contains(capability); };
+    const auto add = [&line](bool so, const std::string &words) { line += so ? ", " + words : ""; };
     const auto found = textures().find(s.texture);
     const Texture bound = found == textures().end() ? Texture() : found->second;
-    add(s.on[TEXTURING], std::string(s.environment) + ' ' + bound.wrap[0] + ' ' + bound.wrap[1]);
-    add(s.on[LIGHTING], std::string("lit ") + s.shading);
-    add(s.on[LIGHTING] && !s.on[COLOR_MATERIAL], "without colour");
-    add(s.on[LIGHTING] && !s.on[NORMALIZE], "without normalize");
-    add(s.on[LIGHTING] && !(s.on[LIGHT0] && s.on[LIGHT1]), "by one light");
-    add(s.on[BLENDING], std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
-    add(s.on[DEPTH_TEST], "depth");
-    add(s.on[STENCIL_TEST], std::string("stencil ") + s.stencilFunction + ' ' +
-                                std::to_string(s.stencilReference) + ' ' +
-                                (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] +
-                                ' ' + s.stencilOperations[1] + ' ' + s.stencilOperations[2]);
+    add(on(GL_TEXTURE_2D),
+        std::string(s.environment) + ' ' + bound.values[WRAP_S] + ' ' + bound.values[WRAP_T]);
+    add(on(GL_LIGHTING), std::string("lit ") + s.shading);
+    add(on(GL_LIGHTING) && !on(GL_COLOR_MATERIAL), "without colour");
+    add(on(GL_LIGHTING) && !on(GL_NORMALIZE), "without normalize");
+    add(on(GL_LIGHTING) && !(on(GL_LIGHT0) && on(GL_LIGHT1)), "by one light");
+    add(on(GL_BLEND), std::string("blend ") + s.blending[0] + ' ' + s.blending[1]);
+    add(on(GL_DEPTH_TEST), "depth");
+    add(on(GL_STENCIL_TEST),
+        std::string("stencil ") + s.stencilFunction + ' ' + std::to_string(s.stencilReference) +
+            ' ' + (s.stencilMask == ~0U ? "all " : "some ") + s.stencilOperations[0] + ' ' +
+            s.stencilOperations[1] + ' ' + s.stencilOperations[2]);
     return "  [" + line.substr(std::min<std::size_t>(2, line.size())) + "]";
 }
 
@@ -128,7 +129,7 @@ std::string thing(const Drawing &d, Detail detail) {
     if (d.kind == recording::TEXT) {
         return '"' + d.name + '"' + where;
     }
-    if (d.state.on[recording::TEXTURING]) {
+    if (d.state.on.contains(GL_TEXTURE_2D)) {
         return textureName(d.state.texture) + ' ' +
                (d.list != 0 ? listName(d.list) : d.name + where);
     }
@@ -147,10 +148,10 @@ void add(Item &item, const Drawing &d) {
         }
         item.place.add(p);
         item.colour.add(v.colour);
-        if (d.state.on[recording::LIGHTING] && d.kind != recording::SHAPE) {
+        if (d.state.on.contains(GL_LIGHTING) && d.kind != recording::SHAPE) {
             item.normal.add(v.normal);
         }
-        if (d.state.on[recording::TEXTURING]) {
+        if (d.state.on.contains(GL_TEXTURE_2D)) {
             item.texCoord.add(v.texCoord);
         }
     }
@@ -232,15 +233,15 @@ std::string leftBehind() {
 }
 
 Lines objects() {
-    const recording::Window &w = recording::window();
+    using namespace recording;
+    const Window &w = recording::window();
     Lines lines = {"  window \"" + w.title + "\"  size " + std::to_string(w.size[0]) + ' ' +
                    std::to_string(w.size[1]) + "  mode " + std::to_string(w.displayMode) +
                    (w.fullScreen ? "  full screen" : "")};
-    for (const recording::Light &light : recording::state().lights) {
-        lines.push_back("  light  ambient" + join(light[recording::AMBIENT]) + "  diffuse" +
-                        join(light[recording::DIFFUSE]) + "  specular" +
-                        join(light[recording::SPECULAR]) + "  at" +
-                        join(light[recording::POSITION]));
+    for (const Light &light : recording::state().lights) {
+        lines.push_back("  light  ambient" + join(light[AMBIENT]) + "  diffuse" +
+                        join(light[DIFFUSE]) + "  specular" + join(light[SPECULAR]) + "  at" +
+                        join(light[POSITION]));
     }
     for (const auto &[name, t] : recording::textures()) {
         Sums pixels;
@@ -248,9 +249,10 @@ Lines objects() {
             pixels.add(glm::ivec3(t.pixels[i], t.pixels[i + 1], t.pixels[i + 2]));
         }
         lines.push_back("  texture " + textureName(name) + "  size " + std::to_string(t.width) +
-                        ' ' + std::to_string(t.height) + "  wrap " + t.wrap[0] + ' ' + t.wrap[1] +
-                        "  filter " + t.filter[0] + ", " + t.filter[1] +
-                        (t.mipmaps ? "" : "  no mipmaps") + pixels.print("pixels"));
+                        ' ' + std::to_string(t.height) + "  wrap " + t.values[WRAP_S] + ' ' +
+                        t.values[WRAP_T] + "  filter " + t.values[LARGER] + ", " +
+                        t.values[SMALLER] + (t.mipmaps ? "" : "  no mipmaps") +
+                        pixels.print("pixels"));
     }
     return lines;
 }

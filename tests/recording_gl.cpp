@@ -11,29 +11,19 @@
 namespace recording {
 namespace {
 
-using Names = std::map<GLenum, Name>;
-
 constexpr std::size_t STACK_DEPTH = 32;
 
 // clang-format off
-const std::map<GLenum, Capability> CAPABILITY = {
-    {GL_TEXTURE_2D, TEXTURING}, {GL_LIGHTING, LIGHTING}, {GL_BLEND, BLENDING},
-    {GL_DEPTH_TEST, DEPTH_TEST}, {GL_STENCIL_TEST, STENCIL_TEST},
-    {GL_COLOR_MATERIAL, COLOR_MATERIAL}, {GL_NORMALIZE, NORMALIZE}, {GL_LIGHT0, LIGHT0},
-    {GL_LIGHT1, LIGHT1}};
-const std::map<GLenum, Light_Value> LIGHT_VALUE = {
-    {GL_AMBIENT, AMBIENT}, {GL_DIFFUSE, DIFFUSE}, {GL_SPECULAR, SPECULAR}, {GL_POSITION, POSITION}};
-const Names PRIMITIVES = {
-    {GL_TRIANGLES, "triangles"}, {GL_QUADS, "quads"}, {GL_POLYGON, "polygon"}};
-const Names BLEND_FACTORS = {
-    {GL_ZERO, "zero"}, {GL_ONE, "one"}, {GL_SRC_ALPHA, "alpha"}, {GL_DST_COLOR, "picture"}};
-const Names STENCIL_FUNCTIONS = {{GL_ALWAYS, "always"}, {GL_EQUAL, "equal"}};
-const Names STENCIL_OPERATIONS = {{GL_KEEP, "keep"}, {GL_ZERO, "zero"}, {GL_REPLACE, "replace"}};
-const Names SHADE_MODELS = {{GL_SMOOTH, "smooth"}, {GL_FLAT, "flat"}};
-const Names ENVIRONMENTS = {{GL_MODULATE, "modulate"}, {GL_REPLACE, "replace"}};
-const Names WRAP_MODES = {{GL_REPEAT, "repeat"}, {GL_CLAMP_TO_EDGE, "clamp"}};
-const Names FILTERS = {{GL_NEAREST, "nearest"}, {GL_LINEAR, "linear"},
-                       {GL_LINEAR_MIPMAP_NEAREST, "linear of nearest mipmap"}};
+constexpr std::array CAPABILITIES = {
+    GL_TEXTURE_2D, GL_LIGHTING, GL_LIGHT0, GL_LIGHT1, GL_COLOR_MATERIAL, GL_NORMALIZE, GL_BLEND,
+    GL_DEPTH_TEST, GL_STENCIL_TEST};
+const std::map<GLenum, Name> NAMES = {
+    {GL_TRIANGLES, "triangles"}, {GL_QUADS, "quads"}, {GL_POLYGON, "polygon"},
+    {GL_ZERO, "zero"}, {GL_ONE, "one"}, {GL_SRC_ALPHA, "alpha"}, {GL_DST_COLOR, "picture"},
+    {GL_ALWAYS, "always"}, {GL_EQUAL, "equal"}, {GL_KEEP, "keep"}, {GL_REPLACE, "replace"},
+    {GL_SMOOTH, "smooth"}, {GL_FLAT, "flat"}, {GL_MODULATE, "modulate"},
+    {GL_REPEAT, "repeat"}, {GL_CLAMP_TO_EDGE, "clamp"}, {GL_NEAREST, "nearest"},
+    {GL_LINEAR, "linear"}, {GL_LINEAR_MIPMAP_NEAREST, "linear of nearest mipmap"}};
 // clang-format on
 
 struct Context {
@@ -63,12 +53,11 @@ void check(bool right, Name call, Name fault) {
     }
 }
 
-// What the table gives for the enumerator, or a misuse.
-template <typename Table>
-typename Table::mapped_type known(Name call, const Table &table, GLenum value) {
-    const auto found = table.find(value);
-    check(found != table.end(), call, "unknown enumerator");
-    return found == table.end() ? table.begin()->second : found->second;
+// The enumerator's name; the record shows where it is one of another kind.
+Name known(GLenum value) {
+    const auto found = NAMES.find(value);
+    check(found != NAMES.end(), "a call", "unknown enumerator");
+    return found == NAMES.end() ? "unknown" : found->second;
 }
 
 // Runs the call, or compiles it into the open display list.
@@ -126,7 +115,15 @@ void multiply(const glm::dmat4 &m) {
 }
 
 void enable(GLenum capability, bool on) {
-    runOutside("glEnable", [=] { now.on[known("glEnable", CAPABILITY, capability)] = on; });
+    const auto *const found = std::find(CAPABILITIES.begin(), CAPABILITIES.end(), capability);
+    check(found != CAPABILITIES.end(), "glEnable", "unknown enumerator");
+    runOutside("glEnable", [=] {
+        if (on) {
+            now.on.insert(capability);
+        } else {
+            now.on.erase(capability);
+        }
+    });
 }
 
 Texture &boundTexture(GLenum target) {
@@ -226,7 +223,7 @@ void srand(unsigned seed) noexcept(QUIET) { randomState = seed; }
 
 void glBegin(GLenum mode) {
     runOutside("glBegin", [=] {
-        draw(PRIMITIVE, known("glBegin", PRIMITIVES, mode));
+        draw(PRIMITIVE, known(mode));
         context.begun = true;
     });
 }
@@ -303,33 +300,29 @@ void glViewport(int x, int y, int width, int height) {
 void glEnable(GLenum capability) { enable(capability, true); }
 void glDisable(GLenum capability) { enable(capability, false); }
 void glBlendFunc(GLenum source, GLenum destination) {
-    runOutside("glBlendFunc", [=] {
-        now.blending = {known("glBlendFunc", BLEND_FACTORS, source),
-                        known("glBlendFunc", BLEND_FACTORS, destination)};
-    });
+    runOutside("glBlendFunc", [=] { now.blending = {known(source), known(destination)}; });
 }
 void glStencilFunc(GLenum function, int reference, unsigned mask) {
     runOutside("glStencilFunc", [=] {
-        now.stencilFunction = known("glStencilFunc", STENCIL_FUNCTIONS, function);
+        now.stencilFunction = known(function);
         now.stencilReference = reference;
         now.stencilMask = mask;
     });
 }
 void glStencilOp(GLenum fail, GLenum depthFail, GLenum pass) {
     runOutside("glStencilOp", [=] {
-        const auto name = [](GLenum o) { return known("glStencilOp", STENCIL_OPERATIONS, o); };
-        now.stencilOperations = {name(fail), name(depthFail), name(pass)};
+        now.stencilOperations = {known(fail), known(depthFail), known(pass)};
     });
 }
 void glShadeModel(GLenum mode) {
-    runOutside("glShadeModel", [=] { now.shading = known("glShadeModel", SHADE_MODELS, mode); });
+    runOutside("glShadeModel", [=] { now.shading = known(mode); });
 }
 void glLightfv(GLenum light, GLenum parameter, const float *values) {
     const glm::vec4 v = glm::make_vec4(values);
     runOutside("glLightfv", [=] {
-        check(light == GL_LIGHT0 || light == GL_LIGHT1, "glLightfv", "unknown enumerator");
-        const Light_Value value = known("glLightfv", LIGHT_VALUE, parameter);
-        now.lights.at(light - GL_LIGHT0)[value] = value == POSITION ? glm::mat4(now.modelview) * v : v;
+        const auto value = static_cast<Light_Value>(parameter - GL_AMBIENT);
+        now.lights.at(light - GL_LIGHT0).at(value) =
+            value == POSITION ? glm::mat4(now.modelview) * v : v;
     });
 }
 void glClearColor(float r, float g, float b, float a) {
@@ -361,15 +354,8 @@ void glBindTexture(GLenum target, unsigned name) {
 }
 void glTexParameteri(GLenum target, GLenum parameter, int value) {
     runOutside("glTexParameter", [=] {
-        Texture &t = boundTexture(target);
-        const auto mode = static_cast<GLenum>(value);
-        switch (parameter) {
-        case GL_TEXTURE_WRAP_S: t.wrap[0] = known("glTexParameter", WRAP_MODES, mode); break;
-        case GL_TEXTURE_WRAP_T: t.wrap[1] = known("glTexParameter", WRAP_MODES, mode); break;
-        case GL_TEXTURE_MAG_FILTER: t.filter[0] = known("glTexParameter", FILTERS, mode); break;
-        case GL_TEXTURE_MIN_FILTER: t.filter[1] = known("glTexParameter", FILTERS, mode); break;
-        default: check(false, "glTexParameter", "unknown enumerator");
-        }
+        boundTexture(target).values.at(parameter - GL_TEXTURE_MAG_FILTER) =
+            known(static_cast<GLenum>(value));
     });
 }
 void glTexParameterf(GLenum target, GLenum parameter, float value) {
@@ -379,7 +365,7 @@ void glTexEnvf(GLenum target, GLenum parameter, float value) {
     runOutside("glTexEnvf", [=] {
         check(target == GL_TEXTURE_ENV && parameter == GL_TEXTURE_ENV_MODE, "glTexEnvf",
               "unknown enumerator");
-        now.environment = known("glTexEnvf", ENVIRONMENTS, static_cast<GLenum>(value));
+        now.environment = known(static_cast<GLenum>(value));
     });
 }
 void glTexImage2D(GLenum target, int level, int components, int width, int height, int border,

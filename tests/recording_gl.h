@@ -8,6 +8,7 @@
 #include <glm/vec3.hpp>
 #include <glm/vec4.hpp>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,25 +23,12 @@ namespace recording {
 
 using Name = const char *;  // of an enumerator, as records print it
 
-enum Capability {
-    TEXTURING,
-    LIGHTING,
-    BLENDING,
-    DEPTH_TEST,
-    STENCIL_TEST,
-    COLOR_MATERIAL,
-    NORMALIZE,
-    LIGHT0,
-    LIGHT1,
-    CAPABILITIES
-};
-
-enum Light_Value { AMBIENT, DIFFUSE, SPECULAR, POSITION, LIGHT_VALUES };
+enum Light_Value { AMBIENT, DIFFUSE, SPECULAR, POSITION, LIGHT_VALUES };  // as OpenGL counts them
 using Light = std::array<glm::vec4, LIGHT_VALUES>;  // the position: x, y, z, w in the world
 
 // What the next drawing depends on; the start values are OpenGL's.
 struct State {
-    std::array<bool, CAPABILITIES> on = {};
+    std::set<GLenum> on;  // what is enabled
     std::array<Light, 2> lights = {};
 
     glm::vec4 colour = glm::vec4(1);
@@ -87,9 +75,11 @@ struct Drawing {
     std::vector<Vertex> vertices;
 };
 
+enum Texture_Value { LARGER, SMALLER, WRAP_S, WRAP_T, TEXTURE_VALUES };  // likewise
+
 struct Texture {
-    std::array<Name, 2> wrap = {"repeat", "repeat"};                       // s, t
-    std::array<Name, 2> filter = {"linear", "nearest of linear mipmaps"};  // larger, smaller
+    std::array<Name, TEXTURE_VALUES> values = {"linear", "nearest of linear mipmaps", "repeat",
+                                               "repeat"};
     int width = 0;
     int height = 0;
     bool mipmaps = false;

@@ -39,6 +39,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 
@@ -54,22 +55,12 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-constexpr int MISSPELT = 2;  // exit status
-
-struct Command {
-    std::size_t line;  // of the script, from 1
-    std::string text;
-};
-
 bool writing = false;
-fs::path script;
-fs::path folder;  // where it is played
-std::vector<Command> commandsOfScript;
-std::size_t played = 0;  // of them, with the one that is playing
-
-fs::path expectedFile() {
-    return fs::path(script).replace_extension(".expected");
-}
+fs::path scriptFile;
+fs::path expectedFile;
+fs::path folder;         // where it is played
+Lines script;            // without comments, so that some lines are empty
+std::size_t played = 0;  // of these lines, with the one that is playing
 
 Lines readLines(const fs::path &path) {
     std::ifstream file(path);
@@ -81,24 +72,16 @@ Lines readLines(const fs::path &path) {
 }
 
 void readScript() {
-    const Lines lines = readLines(script);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        std::string text = lines[i];
-        text.erase(std::min(text.find("# "), text.size()));
-        text.erase(text.find_last_not_of(' ') + 1);
-        if (!text.empty()) {
-            commandsOfScript.push_back({i + 1, text});
-        }
+    script = readLines(scriptFile);
+    for (std::string &line : script) {
+        line.erase(std::min(line.find("# "), line.size()));
+        line.erase(line.find_last_not_of(' ') + 1);
     }
 }
 
-// The command of this number, from 1, as a message begins: "town.txt:12: press w".
-std::string at(std::size_t number) {
-    if (number == 0) {
-        return script.string() + ": before its first command";
-    }
-    const Command &command = commandsOfScript[number - 1];
-    return script.string() + ':' + std::to_string(command.line) + ": " + command.text;
+// As a message begins: "town.txt:12: press w".
+std::string playing() {
+    return scriptFile.string() + ':' + std::to_string(played) + ": " + script[played - 1] + '\n';
 }
 
 constexpr int CRASHES[] = {SIGSEGV, SIGABRT, SIGFPE};
@@ -106,24 +89,27 @@ std::map<int, struct sigaction> defaults;  // what these signals did before
 
 // Names the command at which the program crashed; then it crashes as it would have.
 void crashed(int signal) {
-    std::cerr << at(played) << "\nThe program crashed here.\n";
+    std::cerr << playing() << "The program crashed here.\n";
     sigaction(signal, &defaults.at(signal), nullptr);
 }
 
-// Plays the next command.
+// Plays the next line.
 void play() {
+    const std::string line = script.at(played++);
     try {
-        commands::play(commandsOfScript[played++].text);
+        if (!line.empty()) {
+            commands::play(line);
+        }
     } catch (const std::exception &wrong) {
-        std::cerr << at(played) << '\n' << wrong.what() << '\n';
+        std::cerr << playing() << wrong.what() << '\n';
         fs::remove_all(folder);
-        std::_Exit(MISSPELT);
+        std::_Exit(EXIT_FAILURE);
     }
 }
 
 // Tells where the record first leaves what is expected; true where it doesn't.
 bool isExpected(Lines actual) {
-    Lines expected = readLines(expectedFile());
+    Lines expected = readLines(expectedFile);
     const std::size_t lines = std::max(expected.size(), actual.size());
     expected.resize(lines, "(nothing more)");
     actual.resize(lines, "(nothing more)");
@@ -132,12 +118,11 @@ bool isExpected(Lines actual) {
     if (wanted == expected.end()) {
         return true;
     }
-    const auto command = static_cast<std::size_t>(
-        std::count_if(actual.begin(), std::min(got + 1, actual.end()),
-                      [](const std::string &line) { return line[0] == '>'; }));
-    std::cerr << at(command) << '\n'
-              << expectedFile().string() << ':' << wanted - expected.begin() + 1 << ": "
-              << compare::difference(*wanted, *got)
+    const auto command = std::find_if(std::reverse_iterator(got), actual.rend(),
+                                      [](const std::string &line) { return line[0] == '>'; });
+    std::cerr << expectedFile.string() << ':' << wanted - expected.begin() + 1 << ": after \""
+              << (command == actual.rend() ? "" : *command)
+              << "\": " << compare::difference(*wanted, *got)
               << "\nLook at this step of the game. If the change is wanted, build write_rounds and "
                  "review the difference.\n";
     return false;
@@ -146,12 +131,12 @@ bool isExpected(Lines actual) {
 // When the program ends: by a key of the script, or after its last command.
 void finish() {
     bool good = true;
-    if (played < commandsOfScript.size()) {
-        std::cerr << at(played) << "\nThe program ended here; " << commandsOfScript.size() - played
-                  << " commands were not reached.\n";
+    if (std::any_of(script.begin() + played, script.end(),
+                    [](const std::string &line) { return !line.empty(); })) {
+        std::cerr << playing() << "The program ended here, before the script.\n";
         good = false;
     } else if (writing) {
-        std::ofstream file(expectedFile());
+        std::ofstream file(expectedFile);
         for (const std::string &line : commands::told) {
             file << line << '\n';
         }
@@ -168,21 +153,16 @@ void finish() {
 
 int main(int argc, char **argv) {
     writing = argc == 3 && std::string(argv[1]) == "--write";
-    if (argc != (writing ? 3 : 2)) {
+    scriptFile = fs::absolute(argv[argc - 1]);
+    if (argc != (writing ? 3 : 2) || !fs::is_regular_file(scriptFile)) {
         std::cerr << "Usage: rounds [--write] ROUND.txt\n";
-        return MISSPELT;
+        return EXIT_FAILURE;
     }
-    script = fs::absolute(argv[argc - 1]);
-    for (const fs::path &needed : {script, writing ? script : expectedFile()}) {
-        if (!fs::is_regular_file(needed)) {
-            std::cerr << needed.string() << ": there is no such file\n";
-            return MISSPELT;
-        }
-    }
+    expectedFile = fs::path(scriptFile).replace_extension(".expected");
     readScript();
     std::string name = fs::temp_directory_path() / "talvery_round_XXXXXX";
     folder = mkdtemp(name.data());
-    fs::copy(script.parent_path() / "data", folder);
+    fs::copy(scriptFile.parent_path() / "data", folder);
     fs::current_path(folder);
     commands::capturePrinted();
     std::atexit(finish);
@@ -191,11 +171,11 @@ int main(int argc, char **argv) {
         action.sa_handler = crashed;
         sigaction(signal, &action, &defaults[signal]);
     }
-    while (commandsOfScript.at(played).text.rfind("start", 0) != 0) {
+    while (script.at(played).rfind("start", 0) != 0) {
         play();
     }
     recording::onMainLoop([] {
-        while (played < commandsOfScript.size()) {
+        while (played < script.size()) {
             play();
         }
         commands::told.emplace_back("the script ended");

@@ -5,8 +5,6 @@
 #include <array>
 #include <bit>
 #include <cstdlib>
-#include <functional>
-#include <map>
 
 #include "fireworks.h"
 #include "game_objects.h"
@@ -19,7 +17,6 @@
 #include "rendering.h"
 #include "scene_collision.h"
 
-namespace scenes {
 namespace {
 
 // Every joint is bent by another angle.
@@ -55,6 +52,8 @@ void drawShadow(float light) {
     glPopMatrix();
 }
 
+}  // namespace
+
 // clang-format off
 const std::map<std::string, std::function<void()>> SCENES = {
     {"ellipsoid",      [] { drawEllipsoid(2, 3, 5, 7); }},
@@ -89,16 +88,3 @@ const std::map<std::string, std::function<void()>> SCENES = {
                             glutWireCube(2); glPopMatrix(); }},
 };
 // clang-format on
-
-}  // namespace
-
-bool draw(const std::string &name) {
-    const auto scene = SCENES.find(name);
-    if (scene == SCENES.end()) {
-        return false;
-    }
-    scene->second();
-    return true;
-}
-
-}  // namespace scenes

@@ -1,11 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 
 // Drawing operations called by themselves, as the game doesn't.
-namespace scenes {
-
-// Draws the scene of this name. False if there is none.
-bool draw(const std::string &name);
-
-}  // namespace scenes
+extern const std::map<std::string, std::function<void()>> SCENES;

@@ -1,9 +1,10 @@
 // A keyframe file, played twice: to its end, and over it in a loop.
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "interpolate.h"
-#include "target.h"
+#include "temp_files.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ constexpr int STEPS = 60;
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    const Input_File file(data, size);
+    const Temp_File file(std::string(data, data + size));
     for (const bool loop : {false, true}) {
         Interpolate player(file.name(), loop);
         Params pose = {};

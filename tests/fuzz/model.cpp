@@ -1,13 +1,14 @@
 // A model file, read and drawn as the game does it.
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "objreader.h"
 #include "recording_gl.h"
-#include "target.h"
+#include "temp_files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    const Input_File file(data, size);
+    const Temp_File file(std::string(data, data + size));
     recording::reset();
     objReader reader;
     reader.loadObj(file.name());
