@@ -40,11 +40,42 @@ std::string beginning(const std::string &line) {
     return line.substr(0, line.find(' ', 3));
 }
 
+// What a line about a drawing, which ends with a state, calls it: "parts x3: ".
+std::string drawingOf(const std::string &line) {
+    const std::size_t quote = line.rfind('"');
+    const std::size_t end = line.find("  ", quote < line.size() ? quote : 2);
+    return line.find("  [") < line.size() ? line.substr(2, end - 2) + ": " : "";
+}
+
 bool sameWord(const std::string &a, const std::string &b) {
     const std::optional<double> x = readNumber(a);
     const std::optional<double> y = readNumber(b);
     return a == b ||
            (x && y && std::fabs(*x - *y) <= TOLERANCE + RELATIVE_TOLERANCE * std::fabs(*x));
+}
+
+// What the i-th of a field's values is called, before a space: "y ", "sum ", or nothing.
+std::string partName(const Words &values, std::size_t i) {
+    if (i > 0 && values[i - 1] == "~") {
+        return "sum ";
+    }
+    return values.size() > 1 && i < 4 ? std::string(1, "xyzw"[i]) + ' ' : "";
+}
+
+// "LABEL OLD -> NEW" for each value that differs, or for all of the field where their number does.
+Words differences(const std::string &label, const std::string &wanted, const std::string &got) {
+    const Words a = wordsOf(wanted);
+    const Words b = wordsOf(got);
+    if (a.size() != b.size() || wanted.find('[') < wanted.size()) {
+        return {label + wanted + " ->" + got};
+    }
+    Words all;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (!sameWord(a[i], b[i])) {
+            all.push_back(label + ' ' + partName(a, i) + a[i] + " -> " + b[i]);
+        }
+    }
+    return all;
 }
 
 }  // namespace
@@ -79,7 +110,9 @@ std::string difference(const std::string &expected, const std::string &actual) {
     for (const auto &[label, values] : wanted) {
         const std::string other = got.try_emplace(label, " nothing").first->second;
         if (!same(values, other)) {
-            text += (text.empty() ? "" : ", ") + label + values + " ->" + other;
+            for (const std::string &one : differences(label, values, other)) {
+                text += (text.empty() ? drawingOf(expected) : ", ") + one;
+            }
         }
     }
     return text;
