@@ -4,9 +4,10 @@
 
 // The linker's own OpenGL is put out of reach: what this folder lacks does not link, instead of
 // doing something else. WebGL's functions keep their names with "emscripten_" in front.
-for (const name of Object.keys(LibraryManager.library)) {
+const {library: linked} = LibraryManager;
+for (const name of Object.keys(linked)) {
     if (/^gl[A-Z]/.test(name)) {
-        delete LibraryManager.library[name];
+        delete linked[name];
     }
 }
 
@@ -112,4 +113,4 @@ const LibraryGLUT = {
     },
 };
 autoAddDeps(LibraryGLUT, '$glut');
-mergeInto(LibraryManager.library, LibraryGLUT);
+mergeInto(linked, LibraryGLUT);
