@@ -120,7 +120,7 @@ TEST(ObjReader, ReadsNumbersAfterTheKeyword) {
 
 TEST(ObjReader, WidensTheBoxOutwardAndCentresIt) {
     Reader r("v 1000 5000 -8500\nv 4000 10000 -9000\nv -2000 0 -8000\n");
-    const auto expect = [&r](std::vector<float> box, std::vector<float> last) {
+    const auto expect = [&r](const std::vector<float> &box, const std::vector<float> &last) {
         float b[6];
         r.getBoundingVolume(&b[0], &b[1], &b[2], &b[3], &b[4], &b[5]);
         EXPECT_THAT(b, Pointwise(FloatNear(NEAR), box));
