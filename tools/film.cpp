@@ -5,7 +5,7 @@
 //
 // The environment names its files. TALVERY_FILM_ORDERS, a pipe: lines "FRAMES 1" or "FRAMES 0",
 // to draw so many more with or without filming. TALVERY_FILM_DONE, a pipe: a line comes out when
-// they are drawn. TALVERY_FILM_PICTURES, a folder: every fifth filmed frame at half its size.
+// they are drawn. TALVERY_FILM_PICTURES, a folder: every sixth filmed frame.
 
 #include <GL/glut.h>
 #include <dlfcn.h>
@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int FRAMES_PER_PICTURE = 5;  // 12 pictures for a second of 60 frames
+constexpr int FRAMES_PER_PICTURE = 6;  // 10 pictures for a second of 60 frames
 
 FILE *open(const char *variable, const char *mode) {
     const char *name = std::getenv(variable);
@@ -37,27 +37,21 @@ std::vector<unsigned char> readFrame(int width, int height) {
     return pixels;
 }
 
-// Writes the frame as a PPM file at half its size, each pixel the mean of four.
+// Writes the frame as a PPM file.
 void writePicture(const std::string &file) {
     const int width = glutGet(GLUT_WINDOW_WIDTH);
     const int height = glutGet(GLUT_WINDOW_HEIGHT);
     const std::vector<unsigned char> frame = readFrame(width, height);
-    std::vector<unsigned char> picture;
-    for (int y = height / 2 - 1; y >= 0; --y) {
-        for (int i = 0; i < width / 2 * 3; ++i) {
-            const unsigned char *low = &frame[(2L * y * width + 2L * (i / 3)) * 3 + i % 3];
-            const unsigned char *high = low + 3L * width;
-            picture.push_back(
-                static_cast<unsigned char>((low[0] + low[3] + high[0] + high[3] + 2) / 4));
-        }
-    }
     FILE *out = std::fopen(file.c_str(), "wb");
     if (out == nullptr) {
         std::perror(file.c_str());
         std::exit(1);
     }
-    std::fprintf(out, "P6\n%d %d\n255\n", width / 2, height / 2);
-    std::fwrite(picture.data(), 1, picture.size(), out);
+    std::fprintf(out, "P6\n%d %d\n255\n", width, height);
+    const std::size_t row = 3 * static_cast<std::size_t>(width);
+    for (int y = height - 1; y >= 0; --y) {
+        std::fwrite(&frame[static_cast<std::size_t>(y) * row], 1, row, out);
+    }
     std::fclose(out);
 }
 

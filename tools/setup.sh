@@ -58,7 +58,7 @@ need() {
         dpkg-shlibdeps) wanted+=(dpkg-dev) ;;
         desktop-file-validate) wanted+=(desktop-file-utils) ;;
         appstreamcli) wanted+=(appstream) ;;
-        img2webp) wanted+=(webp) ;;
+        cwebp | webpmux) wanted+=(webp) ;;
         *) wanted+=("$program") ;;
         esac
     done
