@@ -5,10 +5,8 @@
 // The linker's own OpenGL is put out of reach: what this folder lacks does not link, instead of
 // doing something else. WebGL's functions keep their names with "emscripten_" in front.
 const {library: linked} = LibraryManager;
-for (const name of Object.keys(linked)) {
-    if (/^gl[A-Z]/.test(name)) {
-        delete linked[name];
-    }
+for (const name of Object.keys(linked).filter((name) => /^gl[A-Z]/.test(name))) {
+    delete linked[name];
 }
 
 const LibraryGLUT = {
