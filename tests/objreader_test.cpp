@@ -131,6 +131,10 @@ TEST(ObjReader, WidensTheBoxOutwardAndCentresIt) {
     expect({-3300, 3300, -5500, 5500, -1350, 1350}, {-3100, -5500, 550});
     r.resizeObject();
     expect({-0.6F, 0.6F, -1, 1, -0.2455F, 0.2455F}, {-0.5636F, -1, 0.1F});
+
+    Reader offCentre("v -1000 0 0\nv 100 0 0\n");
+    offCentre.resizeObject();
+    EXPECT_EQ(offCentre.minX, -1) << "the farthest side may be a negative one";
 }
 
 TEST(ObjReader, LastLineWithoutItsEndMakesTheCountsDiffer) {
