@@ -135,6 +135,9 @@ TEST(ObjReader, WidensTheBoxOutwardAndCentresIt) {
     Reader offCentre("v -1000 0 0\nv 100 0 0\n");
     offCentre.resizeObject();
     EXPECT_EQ(offCentre.minX, -1) << "the farthest side may be a negative one";
+    Reader far("v 0 0 1000\nv 0 0 900\n");
+    far.resizeObject();
+    EXPECT_EQ(far.maxZ, 1) << "or any other one";
 }
 
 TEST(ObjReader, LastLineWithoutItsEndMakesTheCountsDiffer) {
