@@ -118,11 +118,13 @@ bool isExpected(Lines actual) {
     if (wanted == expected.end()) {
         return true;
     }
-    const auto command = std::find_if(std::reverse_iterator(got), actual.rend(),
-                                      [](const std::string &line) { return line[0] == '>'; });
-    std::cerr << expectedFile.string() << ':' << wanted - expected.begin() + 1 << ": after \""
-              << (command == actual.rend() ? "" : *command)
-              << "\": " << compare::difference(*wanted, *got)
+    auto commands = std::count_if(actual.begin(), got + 1,
+                                  [](const std::string &line) { return line[0] == '>'; });
+    for (played = 0; commands > 0; ++played) {
+        commands -= script[played].empty() ? 0 : 1;
+    }
+    std::cerr << playing() << expectedFile.string() << ':' << wanted - expected.begin() + 1 << ": "
+              << compare::difference(*wanted, *got)
               << "\nLook at this step of the game. If the change is wanted, build write_rounds and "
                  "review the difference.\n";
     return false;
