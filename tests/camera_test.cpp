@@ -46,9 +46,9 @@ TEST(Camera, ZoomStepsByItsTwoFactorsWithinTheBounds) {
 
 TEST(Camera, SeesFromATenthOfAUnitToSixHundred) {
     for (const auto &[distance, depth] : {std::pair(0.1F, -1), std::pair(600.0F, 1)}) {
-        recording::reset();
+        recording::gl = {};
         looking(distance, 0).setup();
-        const glm::vec3 origin = recording::transform(recording::state().projection, {0, 0, 0});
+        const glm::vec3 origin = recording::transform(recording::gl.state.projection, {0, 0, 0});
         EXPECT_NEAR(origin.z, depth, 1e-7) << "the view's nearest and farthest point";
     }
 }

@@ -1,7 +1,6 @@
 #include "commands.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +8,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <regex>
 #include <set>
 #include <stdexcept>
 
@@ -25,28 +25,24 @@ namespace {
 using Lines = std::vector<std::string>;
 using Words = std::vector<std::string>;
 
-constexpr int POINTER[] = {3, 4};       // of a key event; no key asks where it is
-constexpr int WINDOW[] = {1280, 1024};  // after "start town"
+constexpr int POINTER[] = {3, 4};  // of a key event; no key asks where it is
 
 std::ifstream printed;  // the program's standard output
 bool started = false;
-std::map<std::string, Lines> lastTold;  // by "show", "screen" and "picture"
+std::map<std::string, Lines> lastReported;  // by "show", "screen" and "picture"
 std::string lastLeft;
-
-// Where the word is looked up in the table; `what` says what it should have been.
-template <typename Table>
-typename Table::mapped_type known(const Table &table, const std::string &word, const char *what) {
-    const auto found = table.find(word);
-    if (found == table.end()) {
-        throw std::invalid_argument(word + " is no " + what);
-    }
-    return found->second;
-}
 
 void require(bool holds, const std::string &otherwise) {
     if (!holds) {
         throw std::invalid_argument(otherwise);
     }
+}
+
+// Where the word is looked up in the table; `what` says what it should have been.
+template <typename Table>
+typename Table::mapped_type known(const Table &table, const std::string &word, const char *what) {
+    require(table.contains(word), word + " is no " + what);
+    return table.at(word);
 }
 
 double number(const std::string &word) {
@@ -59,40 +55,37 @@ int whole(const std::string &word) {
     return static_cast<int>(number(word));
 }
 
-void tell(const Lines &lines) {
-    told.insert(told.end(), lines.begin(), lines.end());
+void report(const Lines &lines) {
+    reported.insert(reported.end(), lines.begin(), lines.end());
 }
 
-void tellFaults() {
+void reportFaults() {
     for (const std::string &fault : recording::faults()) {
-        tell({"  FAULT " + fault});
+        report({"  FAULT " + fault});
     }
 }
 
 // The first field of a line of a record, without how many there are.
 std::string nameOf(const std::string &line) {
-    const std::size_t quote = line.rfind('"');
-    std::string name = line.substr(0, line.find("  ", quote < line.size() ? quote : 2));
-    const std::size_t times = name.rfind(" x");
-    return times < name.size() && isdigit(name[times + 2]) != 0 ? name.substr(0, times) : name;
+    return std::regex_replace(compare::fieldsOf(line).at(0), std::regex(" x\\d+$"), "");
 }
 
-// Tells what these lines show otherwise than the last ones, and the names of what is gone.
-void tellNews(const Lines &lines, Lines &last) {
+// Reports what these lines show otherwise than the last ones, and the names of what is gone.
+void reportNews(const Lines &lines, Lines &last) {
     std::set<std::string> names;
     std::transform(lines.begin(), lines.end(), std::inserter(names, names.end()), nameOf);
     std::string gone;
     for (const std::string &line : last) {
         if (const std::string name = nameOf(line); !names.contains(name)) {
-            gone += (gone.empty() ? "  gone: " : ", ") + name.substr(2);
+            gone += (gone.empty() ? "  gone: " : ", ") + name;
         }
     }
-    std::remove_copy_if(lines.begin(), lines.end(), std::back_inserter(told),
+    std::remove_copy_if(lines.begin(), lines.end(), std::back_inserter(reported),
                         [&last](const std::string &line) {
                             return std::find(last.begin(), last.end(), line) != last.end();
                         });
     if (!gone.empty()) {
-        told.push_back(gone);
+        reported.push_back(gone);
     }
     last = lines;
 }
@@ -104,28 +97,29 @@ unsigned char keyOf(const std::string &name) {
 }
 
 void press(const Words &words) {
-    recording::window().keyboard(keyOf(words[1]), POINTER[0], POINTER[1]);
+    recording::gl.window.keyboard(keyOf(words[1]), POINTER[0], POINTER[1]);
 }
 
 void release(const Words &words) {
-    recording::window().keyboardUp(keyOf(words[1]), POINTER[0], POINTER[1]);
+    recording::gl.window.keyboardUp(keyOf(words[1]), POINTER[0], POINTER[1]);
 }
 
 void button(const Words &words) {
     static const std::map<std::string, int> BUTTONS = {
         {"left", GLUT_LEFT_BUTTON}, {"middle", GLUT_MIDDLE_BUTTON}, {"right", GLUT_RIGHT_BUTTON}};
     static const std::map<std::string, int> STATES = {{"down", GLUT_DOWN}, {"up", GLUT_UP}};
-    recording::window().mouse(known(BUTTONS, words[1], "button"),
-                              known(STATES, words[2], "state of a button"), POINTER[0], POINTER[1]);
+    recording::gl.window.mouse(known(BUTTONS, words[1], "button"),
+                               known(STATES, words[2], "state of a button"), POINTER[0],
+                               POINTER[1]);
 }
 
 void update() {
-    recording::window().idle();
+    recording::gl.window.idle();
 }
 
 void frame() {
     recording::clear();
-    recording::window().display();
+    recording::gl.window.display();
 }
 
 void step() {
@@ -133,8 +127,8 @@ void step() {
     frame();
 }
 
-// Draws a frame and tells what the command of this name hasn't told yet.
-void tellFrame(const std::string &command) {
+// Draws a frame and reports what the command of this name hasn't reported yet.
+void reportFrame(const std::string &command) {
     frame();
     Lines lines = record::drawings(command == "show" ? record::NAMES : record::RUNS);
     if (command == "screen") {
@@ -142,27 +136,23 @@ void tellFrame(const std::string &command) {
     } else if (command == "picture") {
         lines.push_back(record::leftBehind());
     }
-    tellNews(lines, lastTold[command]);
-    tellFaults();
+    reportNews(lines, lastReported[command]);
+    reportFaults();
 }
 
 void start(const Words &words) {
     started = true;
-    tellFaults();
+    reportFaults();
     if (words.size() == 1) {
         return;
     }
     require(words[1] == "town", words[1] + " is no place to start");
-    recording::window().reshape(WINDOW[0], WINDOW[1]);
-    press({"press", "p"});
-    step();
-    step();
-    const std::size_t lines = told.size();
-    for (const char *command : {"show", "screen", "picture"}) {
-        tellFrame(command);
+    const std::size_t lines = reported.size();
+    for (const char *command :
+         {"reshape 1280 1024", "press p", "step 2", "show", "screen", "picture"}) {
+        play(command);
     }
-    told.resize(lines);
-    globals::changes();
+    reported.resize(lines);
 }
 
 void watch(const Words &words) {
@@ -180,11 +170,11 @@ void drawScene(const Words &words) {
     recording::clear();
     camera.setup();
     known(SCENES, words[1], "scene")();
-    tell(record::drawings(record::PARTS));
+    report(record::drawings(record::PARTS));
     if (const std::string left = record::leftBehind(); left != lastLeft) {
-        tell({lastLeft = left});
+        report({lastLeft = left});
     }
-    tellFaults();
+    reportFaults();
 }
 
 void removeFiles(const Words &words) {
@@ -206,60 +196,56 @@ void writeFile(const Words &words) {
 }
 
 void footprints(const Words &words) {
-    const auto first = static_cast<unsigned>(whole(words[1]));
-    tell(words.size() == 2 ? record::footprints(first)
-                           : record::footprints(first, static_cast<unsigned>(whole(words[2]))));
+    const auto first = static_cast<unsigned>(whole(words.at(1)));
+    report(words.size() == 2 ? record::footprints(first)
+                             : record::footprints(first, static_cast<unsigned>(whole(words[2]))));
 }
-
-constexpr std::size_t ANY = 1000;
 
 struct Command {
     std::function<void(const Words &)> action;
-    std::size_t words;      // that it needs, with its name
-    std::size_t most;       // words that it takes
-    bool repeated = false;  // the last one, if it is there, says how often
+    std::size_t words = 0;  // with its name; one more says how often. 0: it takes any number
 };
 
 // clang-format off
 const std::map<std::string, Command> COMMANDS = {
-    {"remove",     {removeFiles, 2, ANY}},
-    {"cut",        {cutFile, 3, 3}},
-    {"write",      {writeFile, 3, ANY}},
-    {"watch",      {watch, 1, ANY}},
-    {"start",      {start, 1, 2}},
-    {"press",      {press, 2, 3, true}},
-    {"release",    {release, 2, 3, true}},
-    {"tap",        {[](const Words &w) { press(w); release(w); update(); }, 2, 3, true}},
-    {"hold",       {[](const Words &w) { press(w); update(); }, 2, 3, true}},
-    {"update",     {[](const Words &) { update(); }, 1, 2, true}},
-    {"frame",      {[](const Words &) { frame(); }, 1, 2, true}},
-    {"step",       {[](const Words &) { step(); }, 1, 2, true}},
-    {"button",     {button, 3, 3}},
+    {"remove",     {removeFiles}},
+    {"cut",        {cutFile, 3}},
+    {"write",      {writeFile}},
+    {"watch",      {watch}},
+    {"start",      {start}},
+    {"press",      {press, 2}},
+    {"release",    {release, 2}},
+    {"tap",        {[](const Words &w) { press(w); release(w); update(); }, 2}},
+    {"hold",       {[](const Words &w) { press(w); update(); }, 2}},
+    {"update",     {[](const Words &) { update(); }, 1}},
+    {"frame",      {[](const Words &) { frame(); }, 1}},
+    {"step",       {[](const Words &) { step(); }, 1}},
+    {"button",     {button, 3}},
     {"motion",     {[](const Words &w) {
-        recording::window().passiveMotion(whole(w[1]), whole(w[2])); }, 3, 3}},
+        recording::gl.window.passiveMotion(whole(w[1]), whole(w[2])); }, 3}},
     {"reshape",    {[](const Words &w) {
-        recording::window().reshape(whole(w[1]), whole(w[2])); }, 3, 3}},
-    {"set",        {set, 3, ANY}},
-    {"show",       {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
-    {"screen",     {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
-    {"picture",    {[](const Words &w) { tellFrame(w[0]); }, 1, 1}},
-    {"view",       {[](const Words &) { frame(); tell(record::views()); }, 1, 1}},
-    {"draw",       {drawScene, 2, 2}},
-    {"objects",    {[](const Words &) { tell(record::objects()); }, 1, 1}},
-    {"footprints", {footprints, 2, 3}},
+        recording::gl.window.reshape(whole(w[1]), whole(w[2])); }, 3}},
+    {"set",        {set}},
+    {"show",       {[](const Words &w) { reportFrame(w[0]); }, 1}},
+    {"screen",     {[](const Words &w) { reportFrame(w[0]); }, 1}},
+    {"picture",    {[](const Words &w) { reportFrame(w[0]); }, 1}},
+    {"view",       {[](const Words &) { frame(); report(record::views()); }, 1}},
+    {"draw",       {drawScene, 2}},
+    {"objects",    {[](const Words &) { report(record::objects()); }, 1}},
+    {"footprints", {footprints}},
 };
 // clang-format on
 
 // What has changed and was printed since the last call.
-void tellChanges() {
+void reportChanges() {
     if (const std::string changes = started ? globals::changes() : ""; !changes.empty()) {
-        tell({"  " + changes});
+        report({"  " + changes});
     }
     std::fflush(stdout);
     printed.clear();
     printed.seekg(0, std::ios::cur);  // else some libraries stay at what was the end
     for (std::string line; std::getline(printed, line);) {
-        tell({"  printed: " + line});
+        report({"  printed: " + line});
     }
 }
 
@@ -273,13 +259,13 @@ void capturePrinted() {
 void play(const std::string &line) {
     const Words words = compare::wordsOf(line);
     const Command &command = known(COMMANDS, words[0], "command");
-    require(words.size() >= command.words && words.size() <= command.most, "too few or many words");
-    const bool counted = command.repeated && words.size() == command.most;
-    tell({"> " + line});
+    const bool counted = command.words > 0 && words.size() == command.words + 1;
+    require(command.words == 0 || counted || words.size() == command.words, "number of words");
+    report({"> " + line});
     for (int times = counted ? whole(words.back()) : 1; times > 0; --times) {
         command.action(words);
     }
-    tellChanges();
+    reportChanges();
 }
 
 }  // namespace commands

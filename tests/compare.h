@@ -11,9 +11,12 @@ namespace compare {
 // processor's arithmetic.
 bool same(const std::string &a, const std::string &b);
 
-// In which fields the lines differ: "normal 0 1 0 ~ 112.2216 -> 0 1 0 ~ 209.3". Both lines, one
-// below the other, where they begin otherwise and so tell different things.
+// Both lines, one below the other, without the fields that are the same; the first stays, it names
+// the thing.
 std::string difference(const std::string &expected, const std::string &actual);
+
+// The fields that two spaces part; those in quotes part none.
+std::vector<std::string> fieldsOf(const std::string &line);
 
 // The words between spaces.
 std::vector<std::string> wordsOf(const std::string &text);

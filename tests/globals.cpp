@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iomanip>
 #include <sstream>
-#include <variant>
 #include <vector>
 
 #include "assets.h"
@@ -16,29 +16,23 @@
 namespace globals {
 namespace {
 
-using Place = std::variant<int *, unsigned *, float *, bool *>;
-
 struct Global {
     std::string name;
-    Place place;
-    double start = 0;
+    std::function<double()> value;
+    std::function<void(double)> assign;
     double seen = 0;
     bool watched = true;
 };
 
-double value(const Place &place) {
-    return std::visit([](auto *global) { return static_cast<double>(*global); }, place);
-}
-
-void assign(const Place &place, double value) {
-    std::visit(
-        [value](auto *global) { *global = static_cast<std::decay_t<decltype(*global)>>(value); },
-        place);
+template <typename Value>
+Global global(const std::string &name, Value &place) {
+    return {name, [&place] { return static_cast<double>(place); },
+            [&place](double value) { place = static_cast<Value>(value); }};
 }
 
 // clang-format off
 std::vector<Global> listAll() {
-#define NAMED(global) {#global, &(global)}
+#define NAMED(place) global(#place, place)
     std::vector<Global> all = {
         NAMED(status), NAMED(Menu), NAMED(option), NAMED(selectOption), NAMED(Rotating),
         NAMED(rotHor), NAMED(hor), NAMED(Zval), NAMED(Zstep), NAMED(TalkMenu), NAMED(IsTalkBool),
@@ -56,17 +50,13 @@ std::vector<Global> listAll() {
         {"eye", camera.eye}, {"center", camera.center}, {"up", camera.up}};
     for (const auto &[name, coordinates] : points) {
         for (int axis = 0; axis < 3; ++axis) {
-            all.push_back({name + '.' + "xyz"[axis], coordinates + axis});
+            all.push_back(global(name + '.' + "xyz"[axis], coordinates[axis]));
         }
-    }
-    for (Global &global : all) {
-        global.start = value(global.place);
     }
     return all;
 }
 // clang-format on
 
-// Made before main, so that the start values are the game's own.
 std::vector<Global> table = listAll();
 
 }  // namespace
@@ -74,19 +64,13 @@ std::vector<Global> table = listAll();
 std::string changes() {
     std::string all;
     for (Global &global : table) {
-        const double now = value(global.place);
+        const double now = global.value();
         if (global.watched && now != global.seen) {
             all += (all.empty() ? "" : "  ") + global.name + ' ' + text(now);
         }
         global.seen = now;
     }
     return all;
-}
-
-void reset() {
-    for (const Global &global : table) {
-        assign(global.place, global.start);
-    }
 }
 
 bool watch(const std::set<std::string> &names) {
@@ -106,8 +90,8 @@ bool set(const std::string &name, double value) {
     if (found == table.end()) {
         return false;
     }
-    assign(found->place, value);
-    found->seen = globals::value(found->place);
+    found->assign(value);
+    found->seen = found->value();
     return true;
 }
 

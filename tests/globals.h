@@ -10,12 +10,9 @@ namespace globals {
 // of their table: "status 1  eye.z 4.8". Fractions have up to four decimals.
 std::string changes();
 
-// From now on, changes() tells of these alone: "eye.z", or "eye" for all its coordinates. False if
+// From now on, changes() names these alone: "eye.z", or "eye" for all its coordinates. False if
 // there is none of some name.
 bool watch(const std::set<std::string> &names);
-
-// Gives all their start values.
-void reset();
 
 // Sets one of them. False if there is none of this name.
 bool set(const std::string &name, double value);

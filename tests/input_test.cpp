@@ -22,7 +22,6 @@ TEST(Input, KeysWithoutAMeaningDoNothing) {
             const bool down = i < 256;
             const auto key = static_cast<unsigned char>(i);
             if ((down ? pressed : released).find(static_cast<char>(key)) == std::string::npos) {
-                globals::reset();
                 status = mode;
                 action = HELD_STILL;
                 globals::changes();

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <span>
 #include <tuple>
 #include <vector>
 
@@ -48,13 +49,10 @@ struct Reader : objReader {
     // Corners 0 to 2 of every triangle as digits: vertices/texture coordinates/normals.
     std::string triangles() const {
         std::string text;
-        for (const objFace *f = faces; f != faces + triangleCount; ++f) {
-            text += text.empty() ? "" : " ";
-            for (const int *index : {f->vertex, f->texCoord, f->normal}) {
-                text += index == f->vertex ? "" : "/";
-                for (int corner = 0; corner < 3; ++corner) {
-                    text += std::to_string(index[corner]);
-                }
+        for (const objFace &f : std::span(faces, faces + triangleCount)) {
+            for (const int *i : {f.vertex, f.texCoord, f.normal}) {
+                text += i != f.vertex ? "/" : text.empty() ? "" : " ";
+                text += std::to_string(i[0]) + std::to_string(i[1]) + std::to_string(i[2]);
             }
         }
         return text;
@@ -169,7 +167,7 @@ TEST(ObjReader, AFileThatGrowsWhileItIsReadMakesTheCountsDiffer) {
 }
 
 TEST(ObjReader, StaysFailed) {
-    recording::reset();
+    recording::gl = {};
     Reader r("v 1 2 3\nv 4 5 6\nf 1 1 1\n");
     r.loadObj("no/such/file");
     EXPECT_EQ(r.maxZ, -3000);
@@ -182,7 +180,7 @@ TEST(ObjReader, StaysFailed) {
     EXPECT_EQ(r.getError(), OBJ_NOT_OPENED);
     EXPECT_EQ(r.getVertexCount() + r.getTriangleCount(), 0);
     EXPECT_EQ(r.vertices[0], 7) << "later loads fill the arrays, and that is all";
-    EXPECT_TRUE(box == 5 && recording::drawings().empty());
+    EXPECT_TRUE(box == 5 && recording::gl.drawings.empty());
 }
 
 }  // namespace

@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
-# Plays a round of the real program with real key events and checks what it left behind. The
-# tour itself fails where a text does not appear on the screen, or on an exit status.
+# Plays a round of the real program, or of the site in a browser, with real key events and checks
+# what it left behind. The tour itself fails where a text does not appear on the screen, or on an
+# exit status.
 #
-# Usage: played_round.sh TOUR PROGRAM DATA_FOLDER PICTURE_FOLDER
+# Usage: played_round.sh TOUR WORD... PICTURE_FOLDER
 set -euo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+root=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
 . "$root/tools/setup.sh"
-arguments 4 4 "$@"
+arguments 4 5 "$@"
 need compare
-tour=$1 program=$2 data=$3 pictures=$4
+pictures=${!#}
 
-output=$("$tour" "$program" "$data" "$pictures")
+output=$("$@")
 printf '%s\n' "$output"
 
 look_at_pictures() {

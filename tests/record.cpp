@@ -59,7 +59,7 @@ private:
 
 struct Item {
     std::string name;
-    std::string state = {};
+    std::string state;
     int times = 0;
     Sums place = {}, colour = {}, normal = {}, texCoord = {};
 
@@ -106,8 +106,8 @@ std::string stateText(const State &s) {
     std::string line;
     const auto on = [&s](GLenum capability) { return s.on.contains(capability); };
     const auto add = [&line](bool so, const std::string &words) { line += so ? ", " + words : ""; };
-    const auto found = textures().find(s.texture);
-    const Texture bound = found == textures().end() ? Texture() : found->second;
+    const auto found = gl.textures.find(s.texture);
+    const Texture bound = found == gl.textures.end() ? Texture() : found->second;
     add(on(GL_TEXTURE_2D),
         std::string(s.environment) + ' ' + bound.values[WRAP_S] + ' ' + bound.values[WRAP_T]);
     add(on(GL_LIGHTING), std::string("lit ") + s.shading);
@@ -189,12 +189,13 @@ std::string join(const Vector &values) {
 
 Lines drawings(Detail detail) {
     std::vector<Item> items;
-    for (const Drawing &d : recording::drawings()) {
+    for (const Drawing &d : recording::gl.drawings) {
         if (d.kind == recording::SWAP) {
-            items.push_back({.name = d.name});
+            items.push_back({.name = d.name, .state = {}});
         } else if (d.kind == recording::CLEAR) {
             items.push_back({.name = d.name + "  to" + join(d.state.clearColour) + ' ' +
-                                     std::to_string(d.state.clearStencil)});
+                                     std::to_string(d.state.clearStencil),
+                             .state = {}});
         } else if (detail == NAMES) {
             ++itemFor(d, detail, items).times;
         } else {
@@ -209,7 +210,7 @@ Lines drawings(Detail detail) {
 
 Lines views() {
     Lines lines;
-    for (const Drawing &d : recording::drawings()) {
+    for (const Drawing &d : recording::gl.drawings) {
         if (d.kind == recording::CLEAR || d.kind == recording::SWAP || onScreen(d.state)) {
             continue;
         }
@@ -225,7 +226,7 @@ Lines views() {
 }
 
 std::string leftBehind() {
-    const State &s = recording::state();
+    const State &s = recording::gl.state;
     return "  left  colour" + join(s.colour) + "  normal" + join(s.normal) + "  texture " +
            textureName(s.texture) + "  blend " + s.blending[0] + ' ' + s.blending[1] +
            (s.matrixMode == GL_MODELVIEW ? "" : "  another matrix") +
@@ -234,16 +235,16 @@ std::string leftBehind() {
 
 Lines objects() {
     using namespace recording;
-    const Window &w = recording::window();
+    const Window &w = recording::gl.window;
     Lines lines = {"  window \"" + w.title + "\"  size " + std::to_string(w.size[0]) + ' ' +
                    std::to_string(w.size[1]) + "  mode " + std::to_string(w.displayMode) +
                    (w.fullScreen ? "  full screen" : "")};
-    for (const Light &light : recording::state().lights) {
+    for (const Light &light : recording::gl.state.lights) {
         lines.push_back("  light  ambient" + join(light[AMBIENT]) + "  diffuse" +
                         join(light[DIFFUSE]) + "  specular" + join(light[SPECULAR]) + "  at" +
                         join(light[POSITION]));
     }
-    for (const auto &[name, t] : recording::textures()) {
+    for (const auto &[name, t] : recording::gl.textures) {
         Sums pixels;
         for (std::size_t i = 0; i + 2 < t.pixels.size(); i += 3) {
             pixels.add(glm::ivec3(t.pixels[i], t.pixels[i + 1], t.pixels[i + 2]));

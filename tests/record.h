@@ -6,11 +6,12 @@
 // What the recording OpenGL has drawn, as text that a person can review.
 //
 // A line is made of fields, two spaces apart. The first is the name of a thing, with its texture
-// before it if it has one, and how many there are; each of the others is a word and its values:
-// "at" the mean place of all corners, then the mean "colour", "normal" and "st" (the texture
-// coordinate), where the picture depends on them. After a mean stands "~" and the sum: each corner
-// counts otherwise in it, so that none can change unseen. The last field is the state, in brackets.
-// Places are in world units, those of texts and panels on the "screen" in overlay coordinates.
+// before it if it has one, and how many there are. Each of the others is a word and its values:
+// "at", the mean place of all corners; "colour", "normal" and "st" (the texture coordinate), their
+// means, where the picture depends on them. After a mean stands "~" and one more number: the sum of
+// all values, weighted by the number of their corner, which shows what a mean hides. The last field
+// is the state, in brackets. Places are in world units, those of texts and panels on the "screen"
+// in overlay coordinates.
 namespace record {
 
 using Lines = std::vector<std::string>;

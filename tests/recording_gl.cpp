@@ -26,30 +26,12 @@ const std::map<GLenum, Name> NAMES = {
     {GL_LINEAR, "linear"}, {GL_LINEAR_MIPMAP_NEAREST, "linear of nearest mipmap"}};
 // clang-format on
 
-struct Context {
-    State state;
-    std::map<GLenum, std::vector<glm::dmat4>> stacks;  // pushed, below the current one
-    std::vector<Drawing> drawings;
-    std::map<unsigned, Texture> textures;
-    std::map<unsigned, std::vector<std::function<void()>>> lists;
-    unsigned compiling = 0;
-    unsigned calling = 0;
-    bool begun = false;
-    Vertex raster = {};        // colour and place at glRasterPos
-    bool rasterDrawn = false;  // the last drawing is a text from there
-    Window window;
-    std::function<void()> script;
-    int redisplays = 0;
-    std::vector<std::string> faults;
-};
-
-Context context;
-State &now = context.state;
+State &now = gl.state;
 std::uint64_t randomState = 1;
 
 void check(bool right, Name call, Name fault) {
     if (!right) {
-        context.faults.push_back(std::string(call) + ": " + fault);
+        gl.faults.push_back(std::string(call) + ": " + fault);
     }
 }
 
@@ -63,8 +45,8 @@ Name known(GLenum value) {
 // Runs the call, or compiles it into the open display list.
 template <typename Call>
 void run(const Call &call) {
-    if (context.compiling != 0) {
-        context.lists[context.compiling].push_back(call);
+    if (gl.compiling != 0) {
+        gl.lists[gl.compiling].push_back(call);
     } else {
         call();
     }
@@ -74,7 +56,7 @@ void run(const Call &call) {
 template <typename Call>
 void runOutside(Name name, const Call &call) {
     run([=] {
-        check(!context.begun, name, "between glBegin and glEnd");
+        check(!gl.begun, name, "between glBegin and glEnd");
         call();
     });
 }
@@ -92,10 +74,9 @@ Vertex vertexAt(const glm::vec3 &p) {
     return {transform(now.modelview, p), worldNormal(), now.colour, now.texCoord};
 }
 
-Drawing &draw(Kind kind, const std::string &name, std::vector<Vertex> vertices = {}) {
-    context.rasterDrawn = false;
-    return context.drawings.emplace_back(
-        Drawing{kind, name, now, context.calling, std::move(vertices)});
+void draw(Kind kind, const std::string &name, std::vector<Vertex> vertices = {}) {
+    gl.rasterDrawn = false;
+    gl.drawings.push_back({kind, name, now, gl.calling, std::move(vertices)});
 }
 
 void drawShape(const std::string &name, double size) {
@@ -128,7 +109,7 @@ void enable(GLenum capability, bool on) {
 
 Texture &boundTexture(GLenum target) {
     check(target == GL_TEXTURE_2D, "a texture", "wrong target");
-    return context.textures[now.texture];
+    return gl.textures[now.texture];
 }
 
 // Rows start at multiples of 4 bytes, as OpenGL unpacks them.
@@ -148,36 +129,25 @@ void upload(Texture &t, int components, int width, int height, GLenum format, GL
 }
 
 Window &opened() {
-    check(!context.window.title.empty(), "GLUT", "no window yet");
-    return context.window;
+    check(!gl.window.title.empty(), "GLUT", "no window yet");
+    return gl.window;
 }
 
 }  // namespace
 
-void reset() {
-    context = Context();
-}
-
 void clear() {
-    context.drawings.clear();
-    context.rasterDrawn = false;
-    context.redisplays = 0;
-    context.faults.clear();
-}
-
-std::vector<Drawing> drawings(Kind kind) {
-    std::vector<Drawing> result;
-    std::copy_if(context.drawings.begin(), context.drawings.end(), std::back_inserter(result),
-                 [kind](const Drawing &drawing) { return drawing.kind == kind; });
-    return result;
+    gl.drawings.clear();
+    gl.rasterDrawn = false;
+    gl.redisplays = 0;
+    gl.faults.clear();
 }
 
 std::vector<std::string> faults() {
-    auto all = context.faults;
-    if (context.begun) {
+    auto all = gl.faults;
+    if (gl.begun) {
         all.emplace_back("glBegin: no glEnd");
     }
-    for (const auto &[mode, stack] : context.stacks) {
+    for (const auto &[mode, stack] : gl.stacks) {
         if (!stack.empty()) {
             all.emplace_back("glPushMatrix: no glPopMatrix");
         }
@@ -185,22 +155,10 @@ std::vector<std::string> faults() {
     return all;
 }
 
-void onMainLoop(std::function<void()> script) {
-    context.script = std::move(script);
-}
-
 glm::vec3 transform(const glm::dmat4 &matrix, const glm::vec3 &point) {
     const glm::dvec4 p = matrix * glm::dvec4(point, 1);
     return glm::dvec3(p) / p.w;
 }
-
-// clang-format off
-const State &state() { return context.state; }
-const std::vector<Drawing> &drawings() { return context.drawings; }
-const std::map<unsigned, Texture> &textures() { return context.textures; }
-const Window &window() { return context.window; }
-int redisplays() { return context.redisplays; }
-// clang-format on
 
 }  // namespace recording
 
@@ -224,17 +182,17 @@ void srand(unsigned seed) noexcept(QUIET) { randomState = seed; }
 void glBegin(GLenum mode) {
     runOutside("glBegin", [=] {
         draw(PRIMITIVE, known(mode));
-        context.begun = true;
+        gl.begun = true;
     });
 }
 void glEnd() {
-    run([] { check(context.begun, "glEnd", "without glBegin"); context.begun = false; });
+    run([] { check(gl.begun, "glEnd", "without glBegin"); gl.begun = false; });
 }
 void glVertex3f(float x, float y, float z) {
     run([=] {
-        check(context.begun, "glVertex", "outside a primitive");
-        if (context.begun) {
-            context.drawings.back().vertices.push_back(vertexAt({x, y, z}));
+        check(gl.begun, "glVertex", "outside a primitive");
+        if (gl.begun) {
+            gl.drawings.back().vertices.push_back(vertexAt({x, y, z}));
         }
     });
 }
@@ -257,14 +215,14 @@ void glMatrixMode(GLenum mode) {
 void glLoadIdentity() { runOutside("glLoadIdentity", [] { currentMatrix() = glm::dmat4(1); }); }
 void glPushMatrix() {
     runOutside("glPushMatrix", [] {
-        auto &stack = context.stacks[now.matrixMode];
+        auto &stack = gl.stacks[now.matrixMode];
         check(stack.size() + 1 < STACK_DEPTH, "glPushMatrix", "full stack");
         stack.push_back(currentMatrix());
     });
 }
 void glPopMatrix() {
     runOutside("glPopMatrix", [] {
-        auto &stack = context.stacks[now.matrixMode];
+        auto &stack = gl.stacks[now.matrixMode];
         check(!stack.empty(), "glPopMatrix", "empty stack");
         if (!stack.empty()) {
             currentMatrix() = stack.back();
@@ -343,8 +301,8 @@ void glClear(GLbitfield mask) {
 
 void glGenTextures(int count, unsigned *names) {
     check(count == 1, "glGenTextures", "several at once");
-    *names = static_cast<unsigned>(context.textures.size()) + 1;
-    context.textures[*names] = {};
+    *names = static_cast<unsigned>(gl.textures.size()) + 1;
+    gl.textures[*names] = {};
 }
 void glBindTexture(GLenum target, unsigned name) {
     runOutside("glBindTexture", [=] {
@@ -380,26 +338,26 @@ int gluBuild2DMipmaps(GLenum target, int components, int width, int height, GLen
 }
 unsigned glGenLists(int count) {
     check(count == 1, "glGenLists", "several at once");
-    return static_cast<unsigned>(context.lists.size()) + 1;
+    return static_cast<unsigned>(gl.lists.size()) + 1;
 }
 void glNewList(unsigned list, GLenum mode) {
-    check(!context.begun && context.compiling == 0 && mode == GL_COMPILE, "glNewList", "nested");
-    context.lists[list].clear();
-    context.compiling = list;
+    check(!gl.begun && gl.compiling == 0 && mode == GL_COMPILE, "glNewList", "nested");
+    gl.lists[list].clear();
+    gl.compiling = list;
 }
 void glEndList() {
-    check(context.compiling != 0, "glEndList", "without glNewList");
-    context.compiling = 0;
+    check(gl.compiling != 0, "glEndList", "without glNewList");
+    gl.compiling = 0;
 }
 void glCallList(unsigned list) {
     run([=] {
-        const unsigned caller = std::exchange(context.calling, list);
-        if (const auto found = context.lists.find(list); found != context.lists.end()) {
+        const unsigned caller = std::exchange(gl.calling, list);
+        if (const auto found = gl.lists.find(list); found != gl.lists.end()) {
             for (const auto &call : found->second) {
                 call();
             }
         }
-        context.calling = caller;
+        gl.calling = caller;
     });
 }
 
@@ -416,27 +374,27 @@ void glutWireSphere(double radius, int slices, int stacks) {
 void glutWireCube(double size) { drawShape("wire cube", size / 2); }
 void glRasterPos3f(float x, float y, float z) {
     runOutside("glRasterPos3f", [=] {
-        context.raster = vertexAt({x, y, z});
-        context.rasterDrawn = false;
+        gl.raster = vertexAt({x, y, z});
+        gl.rasterDrawn = false;
     });
 }
 void glutBitmapCharacter(void *font, int character) {
     runOutside("glutBitmapCharacter", [=] {
         check(font == GLUT_BITMAP_TIMES_ROMAN_24, "glutBitmapCharacter", "another font");
-        if (!context.rasterDrawn) {
-            draw(TEXT, "", {context.raster});
-            context.rasterDrawn = true;
+        if (!gl.rasterDrawn) {
+            draw(TEXT, "", {gl.raster});
+            gl.rasterDrawn = true;
         }
-        context.drawings.back().name += static_cast<char>(character);
+        gl.drawings.back().name += static_cast<char>(character);
     });
 }
 
 // --- Window and callbacks ---------------------------------------------------------
 
 void glutInit(int * /*count*/, char ** /*arguments*/) {}
-void glutInitDisplayMode(unsigned mode) { context.window.displayMode = mode; }
-void glutInitWindowSize(int width, int height) { context.window.size = {width, height}; }
-int glutCreateWindow(const char *title) { context.window.title = title; return 1; }
+void glutInitDisplayMode(unsigned mode) { gl.window.displayMode = mode; }
+void glutInitWindowSize(int width, int height) { gl.window.size = {width, height}; }
+int glutCreateWindow(const char *title) { gl.window.title = title; return 1; }
 void glutFullScreen() { opened().fullScreen = true; }
 void glutDisplayFunc(void (*call)()) { opened().display = call; }
 void glutReshapeFunc(void (*call)(int, int)) { opened().reshape = call; }
@@ -445,6 +403,6 @@ void glutKeyboardUpFunc(void (*call)(unsigned char, int, int)) { opened().keyboa
 void glutMouseFunc(void (*call)(int, int, int, int)) { opened().mouse = call; }
 void glutPassiveMotionFunc(void (*call)(int, int)) { opened().passiveMotion = call; }
 void glutIdleFunc(void (*call)()) { opened().idle = call; }
-void glutPostRedisplay() { ++context.redisplays; }
+void glutPostRedisplay() { ++gl.redisplays; }
 void glutSwapBuffers() { draw(SWAP, "swap"); }
-void glutMainLoop() { context.script(); }
+void glutMainLoop() { gl.script(); }

@@ -54,7 +54,7 @@ struct State {
 
 struct Vertex {
     glm::vec3 position;  // the modelview matrix applied: in the world, or on the overlay
-    glm::vec3 normal;    // likewise, of unit length as by GL_NORMALIZE
+    glm::vec3 normal;    // with the modelview matrix applied, of unit length as by GL_NORMALIZE
     glm::vec4 colour;
     glm::vec3 texCoord;
 };
@@ -75,7 +75,7 @@ struct Drawing {
     std::vector<Vertex> vertices;
 };
 
-enum Texture_Value { LARGER, SMALLER, WRAP_S, WRAP_T, TEXTURE_VALUES };  // likewise
+enum Texture_Value { LARGER, SMALLER, WRAP_S, WRAP_T, TEXTURE_VALUES };
 
 struct Texture {
     std::array<Name, TEXTURE_VALUES> values = {"linear", "nearest of linear mipmaps", "repeat",
@@ -101,21 +101,31 @@ struct Window {
     void (*idle)() = nullptr;
 };
 
-void reset();  // a new context: start values, no objects, nothing recorded
-void clear();  // forgets drawings, redisplays and faults; keeps state and objects
+struct Context {
+    State state;
+    std::vector<Drawing> drawings;
+    std::map<unsigned, Texture> textures;
+    Window window;
+    int redisplays = 0;            // posted
+    std::function<void()> script;  // run by glutMainLoop, which then returns
+    // The rest is the recording's own.
+    std::map<GLenum, std::vector<glm::dmat4>> stacks;  // pushed, below the current one
+    std::map<unsigned, std::vector<std::function<void()>>> lists;
+    unsigned compiling = 0;
+    unsigned calling = 0;
+    bool begun = false;
+    Vertex raster = {};        // colour and place at glRasterPos
+    bool rasterDrawn = false;  // the last drawing is a text from there
+    std::vector<std::string> faults;
+};
 
-const State &state();
-const std::vector<Drawing> &drawings();
-std::vector<Drawing> drawings(Kind kind);
-const std::map<unsigned, Texture> &textures();
-const Window &window();
-int redisplays();  // posted
+// What the tests look at; to start anew, assign an empty one.
+inline Context gl;
+
+void clear();  // forgets drawings, redisplays and faults; keeps state and objects
 
 // Misuse of OpenGL, one line each, with what is left open or pushed at the time of the call.
 std::vector<std::string> faults();
-
-// Run by glutMainLoop, which then returns.
-void onMainLoop(std::function<void()> script);
 
 // The point, multiplied and divided by w: with state().projection, its place on the
 // screen, each axis from -1 to 1.

@@ -10,9 +10,9 @@
 // spoilt before the start:
 //   remove FILE... | cut FILE BYTES | write FILE WORD...    a word / ends a line
 // Then, or at any time:
-//   watch GLOBAL...  from now on, tells of these alone where they change, not of all
+//   watch GLOBAL...  from now on, reports these alone where they change, not of all
 //   start           runs main up to its loop
-//   start town      the same in a large window and on into the town, and tells nothing of it
+//   start town      the same in a large window and on into the town, and reports nothing of it
 // Afterwards:
 //   press KEY [N] | release KEY [N]       key events; KEY is a character or its name
 //   tap KEY [N]     N times: press, release, one update
@@ -21,26 +21,24 @@
 //   update [N] | frame [N]      the idle and the display callback
 //   step [N]        N times both, as GLUT does
 //   set GLOBAL VALUE...         puts the game somewhere without playing there
-//   show            draws a frame and tells by name what is there now, or in other numbers, and
-//                   what is gone since the last one that was told
-//   screen          draws a frame and tells in full what the screen shows over the world otherwise
-//                   than the last one that was told
-//   picture         draws a frame and tells all of it that the last picture showed otherwise
-//   view            draws a frame and tells how the world is seen
-//   draw SCENE      calls a drawing operation by itself and tells all parts that it draws
+//   show            draws a frame and reports by name what is there now, or in other numbers, and
+//                   what is gone since the last one that was reported
+//   screen          draws a frame and reports in full what the screen shows over the world
+//                   otherwise than in the last one that was reported
+//   picture         draws a frame and reports all of it that the last picture showed otherwise
+//   view            draws a frame and reports how the world is seen
+//   draw SCENE      calls a drawing operation by itself and reports all parts that it draws
 //   objects | footprints FIRST [LAST]       each, or all together
 //
-// A round tells in full what it is about and leaves the rest to the others: so that what is wrong
+// A round reports in full what it is about and leaves the rest to the others: so that what is wrong
 // in one place fails few of them.
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <map>
 #include <stdexcept>
 
 #include "commands.h"
@@ -55,12 +53,16 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
+constexpr const char *END = "(nothing more)";  // after the last line
+
 bool writing = false;
 fs::path scriptFile;
 fs::path expectedFile;
 fs::path folder;         // where it is played
 Lines script;            // without comments, so that some lines are empty
 std::size_t played = 0;  // of these lines, with the one that is playing
+Lines expected;
+std::size_t compared = 0;  // of these lines
 
 Lines readLines(const fs::path &path) {
     std::ifstream file(path);
@@ -79,76 +81,51 @@ void readScript() {
     }
 }
 
-// As a message begins: "town.txt:12: press w".
-std::string playing() {
-    return scriptFile.string() + ':' + std::to_string(played) + ": " + script[played - 1] + '\n';
+// Names the line that is playing: "town.txt:12: press w".
+[[noreturn]] void fail(const std::string &why) {
+    std::cerr << scriptFile.string() << ':' << played << ": " << script[played - 1] << '\n'
+              << why << '\n';
+    fs::remove_all(folder);
+    std::_Exit(EXIT_FAILURE);
 }
 
-constexpr int CRASHES[] = {SIGSEGV, SIGABRT, SIGFPE};
-std::map<int, struct sigaction> defaults;  // what these signals did before
-
-// Names the command at which the program crashed; then it crashes as it would have.
-void crashed(int signal) {
-    std::cerr << playing() << "The program crashed here.\n";
-    sigaction(signal, &defaults.at(signal), nullptr);
+// Goes through what was reported since the last call.
+void compareReport() {
+    for (; !writing && compared < commands::reported.size(); ++compared) {
+        const std::string &actual = commands::reported[compared];
+        if (!compare::same(expected[compared], actual)) {
+            fail(expectedFile.string() + ':' + std::to_string(compared + 1) + ':' +
+                 compare::difference(expected[compared], actual) +
+                 "\nLook at this step of the game. If the change is wanted, build write_rounds and "
+                 "review the difference.");
+        }
+    }
 }
 
 // Plays the next line.
 void play() {
-    const std::string line = script.at(played++);
+    const std::string &line = script.at(played++);
     try {
         if (!line.empty()) {
             commands::play(line);
         }
-    } catch (const std::exception &wrong) {
-        std::cerr << playing() << wrong.what() << '\n';
-        fs::remove_all(folder);
-        std::_Exit(EXIT_FAILURE);
-    }
-}
-
-// Tells where the record first leaves what is expected; true where it doesn't.
-bool isExpected(Lines actual) {
-    Lines expected = readLines(expectedFile);
-    const std::size_t lines = std::max(expected.size(), actual.size());
-    expected.resize(lines, "(nothing more)");
-    actual.resize(lines, "(nothing more)");
-    const auto [wanted, got] =
-        std::mismatch(expected.begin(), expected.end(), actual.begin(), compare::same);
-    if (wanted == expected.end()) {
-        return true;
-    }
-    auto commands = std::count_if(actual.begin(), got + 1,
-                                  [](const std::string &line) { return line[0] == '>'; });
-    for (played = 0; commands > 0; ++played) {
-        commands -= script[played].empty() ? 0 : 1;
-    }
-    std::cerr << playing() << expectedFile.string() << ':' << wanted - expected.begin() + 1 << ": "
-              << compare::difference(*wanted, *got)
-              << "\nLook at this step of the game. If the change is wanted, build write_rounds and "
-                 "review the difference.\n";
-    return false;
+    } catch (const std::exception &wrong) { fail(wrong.what()); }
+    compareReport();
 }
 
 // When the program ends: by a key of the script, or after its last command.
 void finish() {
-    bool good = true;
-    if (std::any_of(script.begin() + played, script.end(),
-                    [](const std::string &line) { return !line.empty(); })) {
-        std::cerr << playing() << "The program ended here, before the script.\n";
-        good = false;
-    } else if (writing) {
+    if (played < script.size()) {
+        fail("The program ended here, before the script.");
+    }
+    commands::reported.emplace_back(END);
+    compareReport();
+    if (writing) {
         std::ofstream file(expectedFile);
-        for (const std::string &line : commands::told) {
-            file << line << '\n';
-        }
-    } else {
-        good = isExpected(commands::told);
+        std::copy(commands::reported.begin(), commands::reported.end() - 1,
+                  std::ostream_iterator<std::string>(file, "\n"));
     }
     fs::remove_all(folder);
-    if (!good) {
-        std::_Exit(EXIT_FAILURE);
-    }
 }
 
 }  // namespace
@@ -162,27 +139,22 @@ int main(int argc, char **argv) {
     }
     expectedFile = fs::path(scriptFile).replace_extension(".expected");
     readScript();
+    expected = readLines(expectedFile);
+    expected.emplace_back(END);
     std::string name = fs::temp_directory_path() / "talvery_round_XXXXXX";
     folder = mkdtemp(name.data());
     fs::copy(scriptFile.parent_path() / "data", folder);
     fs::current_path(folder);
     commands::capturePrinted();
     std::atexit(finish);
-    for (const int signal : CRASHES) {
-        struct sigaction action = {};
-        action.sa_handler = crashed;
-        sigaction(signal, &action, &defaults[signal]);
-    }
     while (script.at(played).rfind("start", 0) != 0) {
         play();
     }
-    recording::onMainLoop([] {
+    recording::gl.script = [] {
         while (played < script.size()) {
             play();
         }
-        commands::told.emplace_back("the script ended");
-    });
-    char program[] = "talvery";
-    char *arguments[] = {program, nullptr};
-    return talveryMain(1, arguments);
+        commands::reported.emplace_back("the script ended");
+    };
+    return talveryMain(argc, argv);
 }

@@ -16,7 +16,7 @@ namespace {
 
 class Assets : public testing::Test {
 protected:
-    Assets() { recording::reset(); }
+    Assets() { recording::gl = {}; }
     ~Assets() override { EXPECT_TRUE(recording::faults().empty()); }
 };
 
@@ -54,8 +54,8 @@ TEST_F(Assets, PicturesLoadAsRedGreenBlue) {
         const Temp_File file(Picture{.width = width, .bytes = std::size_t{6} * width}.file());
         const int name = LoadBitmap(file.name());
         EXPECT_EQ(static_cast<unsigned>(name), num_texture);
-        EXPECT_EQ(recording::state().texture, num_texture) << "left bound";
-        const recording::Texture &loaded = recording::textures().at(num_texture);
+        EXPECT_EQ(recording::gl.state.texture, num_texture) << "left bound";
+        const recording::Texture &loaded = recording::gl.textures.at(num_texture);
         EXPECT_EQ(std::pair(loaded.width, loaded.height), std::pair(width, 2));
         EXPECT_EQ(std::vector(loaded.pixels.begin(), loaded.pixels.begin() + 3),
                   (std::vector<unsigned char>{2, 1, 0}));
@@ -96,7 +96,7 @@ TEST_F(Assets, BadPicturesLeaveALineAndNoTexture) {
     }
     const std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 6) << "a line each";
-    EXPECT_TRUE(recording::textures().empty());
+    EXPECT_TRUE(recording::gl.textures.empty());
     EXPECT_LT(mostMemory() - memory, 200 * 1024) << "touched for pixels that never came";
 }
 
@@ -123,8 +123,8 @@ TEST_F(Assets, AModelBeyondTheLastSlotHasNoTexture) {
     EXPECT_EQ(texture_back, TEXTURE_SLOTS);
     glBindTexture(GL_TEXTURE_2D, texture[TEXTURE_SLOTS - 1]);
     glCallList(list);
-    ASSERT_EQ(recording::drawings().size(), 1U);
-    EXPECT_EQ(recording::drawings()[0].state.texture, texture[TEXTURE_SLOTS - 1]) << "binds none";
+    ASSERT_EQ(recording::gl.drawings.size(), 1U);
+    EXPECT_EQ(recording::gl.drawings[0].state.texture, texture[TEXTURE_SLOTS - 1]) << "binds none";
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 # Sourced by tools/cost and tools/soak: runs the real program on a virtual display, with its
-# frames logged. Needs tools/setup.sh, the target frame_log of the release preset, $root and
+# frames logged. Needs tools/setup.sh, the target frames of the release preset, $root and
 # $scratch, an empty folder.
 # shellcheck shell=bash disable=SC2154
 
@@ -22,7 +22,7 @@ wait_frames() {
 # start PROGRAM FOLDER: starts the program in a folder and waits for its first frame.
 start() {
     : >"$frame_log"
-    (cd "$2" && FRAME_LOG=$frame_log LD_PRELOAD=$root/build/release/tools/libframe_log.so \
+    (cd "$2" && FRAME_LOG=$frame_log LD_PRELOAD=$root/build/release/tools/libframes.so \
         exec "$1" >"$scratch/output") &
     program=$!
     wait_frames 1

@@ -91,17 +91,17 @@ void pressed(unsigned char key) {
 
 // From the front, the right, the back and the left, then between those from above.
 bool writeSheet(const std::string &file) {
-    ContactSheet sheet(SHEET_COLUMNS, CELL, CELL);
+    ContactSheet sheet(file, SHEET_COLUMNS);
     for (const bool above : {false, true}) {
         for (unsigned side = 0; side < SHEET_COLUMNS; ++side) {
             View from = view;
             from.heading = static_cast<float>(side) * 90 + (above ? 45.0F : 0.0F);
             from.pitch = above ? HIGH_PITCH : LOW_PITCH;
             drawPicture(from, CELL, CELL);
-            sheet.add();
+            sheet.add(CELL);
         }
     }
-    return sheet.write(file);
+    return sheet.close();
 }
 
 }  // namespace

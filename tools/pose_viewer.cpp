@@ -120,17 +120,17 @@ View besidePoodle() {
 
 // Frames from the first to the last step, evenly spread, each row from both views.
 bool writeSheet() {
-    ContactSheet sheet(SHEET_COLUMNS, CELL, CELL);
+    ContactSheet sheet(arguments.sheet, SHEET_COLUMNS);
     for (std::size_t row = 0; row < SHEET_FRAMES; row += SHEET_COLUMNS) {
         for (const bool behind : {false, true}) {
             for (std::size_t frame = row; frame < row + SHEET_COLUMNS; ++frame) {
                 current = frame * (steps.size() - 1) / (SHEET_FRAMES - 1);
                 drawPicture(behind ? BEHIND : besidePoodle(), CELL, CELL);
-                sheet.add();
+                sheet.add(CELL);
             }
         }
     }
-    return sheet.write(arguments.sheet);
+    return sheet.close();
 }
 
 }  // namespace

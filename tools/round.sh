@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034,SC2154
-# Sourced by tools/tour and tools/film: plays the game with real key events and looks at what the
+# Sourced by tools/tour and tools/front_page: plays the game with real key events and looks at what the
 # screen shows. Needs tools/setup.sh, $pictures, a folder, and $patience, the seconds that a step
 # may take. The script that sources it defines `frames COUNT`, which lets the game draw so many;
 # it may do nothing where the game goes on by itself.
@@ -59,6 +59,7 @@ reach_title() {
     wait_for "the title" "" title_shown
     xdotool mousemove 640 512
     sleep 1
+    wait_for "the title without buttons" "" title_shown
     picture title
 }
 
@@ -115,14 +116,26 @@ message_is() {
     [ "$(message)" = "$1" ]
 }
 
+# The cube before black. A page has another background until it starts the game, and shows buttons on
+# top for some seconds then and after the pointer has moved.
 title_shown() {
-    [ "$(import -silent -window root -resize '1x1!' -format '%[fx:mean>0.02]' info:)" = 1 ]
+    [ "$(import -silent -window root -format '%[fx:mean>0.02]' info:)" = 1 ] &&
+        [ "$(import -silent -window root -crop 1280x64+0+0 -format '%[fx:maxima==0]' info:)" = 1 ]
+}
+
+# A sum of what the screen shows.
+screen() {
+    import -silent -window root rgb:- | md5sum
+}
+
+changed_from() {
+    [ "$1" != "$(screen)" ]
 }
 
 # True where nothing has moved for a second: on the title, the cube has come to rest.
 still() {
     local before
-    before=$(import -silent -window root rgb:- | md5sum)
+    before=$(screen)
     sleep 1
-    [ "$before" = "$(import -silent -window root rgb:- | md5sum)" ]
+    ! changed_from "$before"
 }

@@ -2,6 +2,12 @@
 # Sourced by ./play, ./check and the tools: installs what is missing and builds. Needs $root, the
 # folder of the repository. Every function ends the script on failure.
 
+# Programs read and write the same in every language: elsewhere awk takes "0.02" for 0, and
+# ImageMagick does not know "info:".
+export LC_ALL=C
+# A relative folder is one of the current folder's.
+unset CDPATH
+
 say() {
     printf '== %s\n' "$*"
 }
@@ -46,25 +52,26 @@ number() {
 
 # need PROGRAM...: ends with the command that installs what is missing of them.
 need() {
-    local program missing=() wanted=()
+    local program missing=() wanted=() list
     for program; do
         command -v "$program" >/dev/null && continue
         missing+=("$program")
         case $program in
         clang++) wanted+=(clang libclang-rt-dev) ;;
         xvfb-run) wanted+=(xvfb xauth) ;;
-        import | convert | compare) wanted+=(imagemagick) ;;
+        import | convert | compare | montage) wanted+=(imagemagick) ;;
         dpkg-deb) wanted+=(dpkg) ;;
         dpkg-shlibdeps) wanted+=(dpkg-dev) ;;
         desktop-file-validate) wanted+=(desktop-file-utils) ;;
         appstreamcli) wanted+=(appstream) ;;
-        cwebp | webpmux) wanted+=(webp) ;;
+        cwebp | dwebp | webpmux) wanted+=(webp) ;;
         *) wanted+=("$program") ;;
         esac
     done
-    [ ${#missing[@]} -eq 0 ] ||
-        fail "${missing[*]} missing; as root: apt-get install --no-install-recommends" \
-            "$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)"
+    [ ${#missing[@]} -gt 0 ] || return 0
+    list=$(printf '%s\n' "${wanted[@]}" | sort -u | xargs)
+    command -v apt-get >/dev/null || fail "${missing[*]} missing; Debian's packages for that: $list"
+    fail "${missing[*]} missing; as root: apt-get install --no-install-recommends $list"
 }
 
 # on_virtual_display ARGUMENT...: starts this script again on a display of its own, drawn in
@@ -96,13 +103,13 @@ not_installed() {
     printf '%s\n' "$@" | grep -vxF -e "$installed" || true
 }
 
-# install_missing PART...: of packages.txt.
+# install_missing PART...: of packages.txt. Where there is no apt, all may be there all the same.
 install_missing() {
     local list wanted missing
     list=$(packages "$@") || exit
     mapfile -t wanted <<<"$list"
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        fail "this is no Debian machine; install the like of these and use cmake:" "${wanted[@]}"
+        return 0
     fi
     mapfile -t missing < <(not_installed "${wanted[@]}")
     [ ${#missing[@]} -gt 0 ] || return 0
@@ -126,7 +133,8 @@ configure() {
     mkdir -p "$root/build"
     (cd "$root" && cmake --preset "$@" >"$log" 2>&1) || {
         cat "$log"
-        fail "cmake could not configure ($1), see above; ./check installs what it needs"
+        fail "cmake could not configure ($1), see above; packages.txt lists what it needs," \
+            "and ./check installs that on Debian"
     }
 }
 

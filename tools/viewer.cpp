@@ -1,7 +1,6 @@
 #include "viewer.h"
 
 #include <GL/glut.h>
-#include <png.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +11,7 @@
 #include "camera.h"
 #include "lights.h"
 #include "overlay.h"
+#include "picture.h"
 #include "rendering.h"
 
 namespace {
@@ -122,7 +122,6 @@ void openWindow(int *argc, char **argv, const char *title, int windowWidth, int 
     glutCreateWindow(title);
     glClearColor(BACKGROUND[0], BACKGROUND[1], BACKGROUND[2], 1);
     setDrawingState();
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
 }
 
 void beginPicture(const View &view, int viewWidth, int viewHeight) {
@@ -218,40 +217,16 @@ void turnByHand(View &view, void (*otherKey)(unsigned char key)) {
     glutMotionFunc(mouseDragged);
 }
 
-ContactSheet::ContactSheet(unsigned cellsAcross, unsigned pixelsAcross, unsigned pixelsDown)
-    : columns(cellsAcross), cellWidth(pixelsAcross), cellHeight(pixelsDown) {}
-
-void ContactSheet::add() {
-    const std::size_t rowBytes = cellWidth * std::size_t{3};
-    std::vector<unsigned char> pixels(rowBytes * cellHeight);
-    glReadPixels(0, 0, static_cast<int>(cellWidth), static_cast<int>(cellHeight), GL_RGB,
-                 GL_UNSIGNED_BYTE, pixels.data());
-    cells.push_back(std::move(pixels));
+ContactSheet::ContactSheet(const std::string &file, unsigned cellsAcross) {
+    setenv("SHEET", file.c_str(), 1);
+    const std::string tiles = std::to_string(cellsAcross) + "x";
+    montage = popen(("montage -geometry +0+0 -tile " + tiles + " ppm:- \"$SHEET\"").c_str(), "w");
 }
 
-bool ContactSheet::write(const std::string &file) const {
-    const std::size_t rows = (cells.size() + columns - 1) / columns;
-    const std::size_t cellBytes = cellWidth * std::size_t{3};
-    const std::size_t sheetBytes = cellBytes * columns;
-    std::vector<unsigned char> sheet(sheetBytes * rows * cellHeight);
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::size_t top = i / columns * cellHeight;
-        const std::size_t left = i % columns * cellBytes;
-        for (std::size_t y = 0; y < cellHeight; ++y) {
-            // The first row that OpenGL reads back is the lowest one.
-            std::copy_n(&cells[i][(cellHeight - 1 - y) * cellBytes], cellBytes,
-                        &sheet[(top + y) * sheetBytes + left]);
-        }
-    }
+void ContactSheet::add(int pixelsAcross) {
+    writePicture(montage, pixelsAcross, pixelsAcross);
+}
 
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(columns * cellWidth);
-    image.height = static_cast<png_uint_32>(rows * cellHeight);
-    image.format = PNG_FORMAT_RGB;
-    if (png_image_write_to_file(&image, file.c_str(), 0, sheet.data(), 0, nullptr) == 0) {
-        fprintf(stderr, "%s: %s\n", file.c_str(), image.message);
-        return false;
-    }
-    return true;
+bool ContactSheet::close() {
+    return pclose(montage) == 0;
 }

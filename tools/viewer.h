@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cstdio>
 #include <numbers>
 #include <string>
 #include <vector>
 
 // What the two viewers share: a window lit as the game lights the town, a view that
-// turns about its subject under mouse and keys, and contact sheets written as PNG.
+// turns about its subject under mouse and keys, and contact sheets.
 
 constexpr float RADIANS = std::numbers::pi_v<float> / 180;  // of one degree
 
@@ -49,20 +50,17 @@ void writeCaption(const std::string &text);
 // wheel, '+' and '-' zoom, Escape leaves. Every other key goes to `otherKey`.
 void turnByHand(View &view, void (*otherKey)(unsigned char key));
 
-// Pictures of equal size in rows, drawn one by one in the window and read back from it.
+// Square pictures in rows, drawn one by one in the window. ImageMagick puts them together.
 class ContactSheet {
 public:
-    ContactSheet(unsigned cellsAcross, unsigned pixelsAcross, unsigned pixelsDown);
+    ContactSheet(const std::string &file, unsigned cellsAcross);
 
     // Takes the picture just drawn, which filled the lower left corner of the window.
-    void add();
+    void add(int pixelsAcross);
 
-    // Writes the sheet; false, after a line on standard error, if it cannot.
-    bool write(const std::string &file) const;
+    // Ends the sheet; false, after a line on standard error, if it could not be written.
+    bool close();
 
 private:
-    unsigned columns;
-    unsigned cellWidth;  // pixels
-    unsigned cellHeight;
-    std::vector<std::vector<unsigned char>> cells;  // red, green, blue; lowest row first
+    FILE *montage;
 };

@@ -3,6 +3,7 @@
 #include <GL/gl.h>
 
 #include <glm/glm.hpp>
+#include <vector>
 
 // What the files of this OpenGL share. It has the calls that the game makes and no more: any
 // other does not link, and one made otherwise than by the game ends the program with its name.
@@ -15,8 +16,8 @@ void requireOutside(const char *call = __builtin_FUNCTION());
 
 // --- Matrices and state ------------------------------------------------------------------
 
-// The tops of the stacks. The game puts its view into the projection matrix, so what OpenGL
-// calls eye coordinates, in which it lights, are the world's.
+// The tops of the stacks. OpenGL lights in eye coordinates, where the modelview matrix leads. Since
+// the game keeps its view in the projection matrix, these are the coordinates of the world here.
 const glm::mat4 &modelview();
 const glm::mat4 &projection();
 
@@ -54,15 +55,17 @@ struct Vertex {
     glm::vec3 normal;
     glm::vec4 colour;
     glm::vec2 texCoord;
+    bool operator==(const Vertex &) const = default;
 };
 extern Vertex current;  // colour, normal and texture coordinate that the next one gets
 
-// Triangles in a buffer of their own, in model coordinates; drawn in the current colour.
+// Triangles in buffers of their own, in model coordinates; drawn in the current colour. Equal
+// corners are one vertex, which the shader runs for once.
 struct Mesh {
-    GLuint array, buffer;
-    int count;
+    GLuint array;
+    int indices;
 };
-Mesh makeMesh(const Vertex *vertices, int count);
+Mesh makeMesh(const std::vector<Vertex> &triangles);  // three corners each
 void drawMesh(const Mesh &mesh, const glm::mat4 &model);
 
 // Points or triangles in the world; a thousand vertices at most for each beginning.
@@ -77,7 +80,8 @@ void drawWaiting();
 
 enum Attribute { POSITION, NORMAL, COLOUR, TEX_COORD };
 struct Uniforms {
-    GLint projection, model, texturing, lighting, lightPosition, lightAmbient, lightDiffuse;
+    GLint projection, model, normals, texturing, lighting, lightPosition, lightAmbient,
+        lightDiffuse;
 };
 extern Uniforms uniforms;  // their locations
 

@@ -22,8 +22,11 @@ namespace {
 constexpr int MAX_DRAWS = 2048;
 constexpr int MAX_LISTS = 16;
 constexpr int STREAM_VERTICES = 1 << 16;
+constexpr int STREAM_INDICES = 1 << 17;
 constexpr int STREAM_ROOM = 1 << 10;  // for what follows one beginStream
-// The buffer of the stream has parts that take turns: nothing is overwritten that the graphics
+// So far back an equal vertex is looked for: a cylinder's last quad has two of the next one's.
+constexpr int STREAM_REACH = 8;
+// The buffers of the stream have parts that take turns: nothing is overwritten that the graphics
 // card may still be reading for the frame before.
 constexpr int STREAM_PARTS = 3;
 
@@ -31,7 +34,7 @@ struct Draw {
     State state;
     GLuint array;
     GLenum mode;
-    int first, count;
+    int first, indices;
     glm::mat4 model;
     glm::vec4 colour;  // where the vertices have none
 };
@@ -42,9 +45,11 @@ struct List {
     Vertex last;
 };
 
-constinit Vertex stream[STREAM_VERTICES] = {};
-constinit int streamUsed = 0, streamPart = 0;
-constinit Mesh streamMesh = {};
+// What is streamed: vertices and indices in this frame, where they go to, and how many there are.
+constinit Vertex streamVertices[STREAM_VERTICES] = {};
+constinit GLuint streamIndices[STREAM_INDICES] = {};
+constinit GLuint streamArray = 0, streamBuffers[2] = {};
+constinit int streamUsed = 0, streamIndicesUsed = 0, streamPart = 0;
 constinit Draw draws[MAX_DRAWS] = {};
 constinit int drawCount = 0;
 
@@ -67,8 +72,37 @@ void describe(Attribute attribute, int size, std::size_t offset) {
                                      reinterpret_cast<const void *>(offset));
 }
 
+// Binds a new vertex array with buffers for so many vertices and indices, filled if there is
+// something to fill them with.
+GLuint makeArray(GLuint *buffers, const Vertex *vertices, std::size_t vertexCount,
+                 const GLuint *indices, std::size_t indexCount) {
+    const GLenum usage = vertices == nullptr ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW;
+    GLuint array = 0;
+    emscripten_glGenVertexArrays(1, &array);
+    emscripten_glBindVertexArray(array);
+    emscripten_glGenBuffers(2, buffers);
+    emscripten_glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
+    emscripten_glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers[1]);
+    emscripten_glBufferData(
+        GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertexCount * sizeof *vertices), vertices, usage);
+    emscripten_glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                            static_cast<GLsizeiptr>(indexCount * sizeof *indices), indices, usage);
+    describe(POSITION, 4, offsetof(Vertex, position));
+    describe(NORMAL, 3, offsetof(Vertex, normal));
+    describe(TEX_COORD, 2, offsetof(Vertex, texCoord));
+    return array;
+}
+
+// Fills the stream's part of a buffer.
+void upload(GLenum target, GLuint buffer, const void *values, std::size_t part, std::size_t size) {
+    emscripten_glBindBuffer(target, buffer);
+    emscripten_glBufferSubData(target, static_cast<GLintptr>(streamPart * part),
+                               static_cast<GLsizeiptr>(size), values);
+}
+
 void makeRoom() {
-    if (drawCount == MAX_DRAWS || streamUsed > STREAM_VERTICES - STREAM_ROOM) {
+    if (drawCount == MAX_DRAWS || streamUsed > STREAM_VERTICES - STREAM_ROOM ||
+        streamIndicesUsed > STREAM_INDICES - 2 * STREAM_ROOM) {
         drawWaiting();
     }
 }
@@ -82,62 +116,76 @@ void addCorners(std::initializer_list<int> which) {
 
 }  // namespace
 
-Mesh makeMesh(const Vertex *vertices, int count) {
-    Mesh mesh = {0, 0, count};
-    emscripten_glGenVertexArrays(1, &mesh.array);
-    emscripten_glBindVertexArray(mesh.array);
-    emscripten_glGenBuffers(1, &mesh.buffer);
-    emscripten_glBindBuffer(GL_ARRAY_BUFFER, mesh.buffer);
-    emscripten_glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * sizeof(Vertex)),
-                            vertices, vertices == nullptr ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW);
-    describe(POSITION, 4, offsetof(Vertex, position));
-    describe(NORMAL, 3, offsetof(Vertex, normal));
-    describe(TEX_COORD, 2, offsetof(Vertex, texCoord));
-    return mesh;
+Mesh makeMesh(const std::vector<Vertex> &triangles) {
+    std::vector<Vertex> vertices;
+    std::vector<GLuint> indices;
+    for (const Vertex &corner : triangles) {
+        const auto found = std::find(vertices.begin(), vertices.end(), corner);
+        indices.push_back(static_cast<GLuint>(found - vertices.begin()));
+        if (found == vertices.end()) {
+            vertices.push_back(corner);
+        }
+    }
+    GLuint buffers[2];
+    const GLuint array =
+        makeArray(buffers, vertices.data(), vertices.size(), indices.data(), indices.size());
+    return {array, static_cast<int>(indices.size())};
 }
 
 void initDrawing() {
-    streamMesh = makeMesh(nullptr, STREAM_PARTS * STREAM_VERTICES);
+    streamArray = makeArray(streamBuffers, nullptr, STREAM_PARTS * STREAM_VERTICES, nullptr,
+                            STREAM_PARTS * STREAM_INDICES);
     describe(COLOUR, 4, offsetof(Vertex, colour));
 }
 
 void drawMesh(const Mesh &mesh, const glm::mat4 &model) {
     makeRoom();
     draws[drawCount++] = {currentState(), mesh.array, GL_TRIANGLES,  0,
-                          mesh.count,     model,      current.colour};
+                          mesh.indices,   model,      current.colour};
 }
 
 void beginStream(const State &how, GLenum mode) {
     makeRoom();
     const Draw &last = draws[std::max(drawCount - 1, 0)];
-    if (drawCount == 0 || last.array != streamMesh.array || last.mode != mode ||
-        last.state != how) {
-        const int first = streamPart * STREAM_VERTICES + streamUsed;
-        draws[drawCount++] = {how, streamMesh.array, mode, first, 0, glm::mat4(1), {}};
+    if (drawCount == 0 || last.array != streamArray || last.mode != mode || last.state != how) {
+        const int first = streamPart * STREAM_INDICES + streamIndicesUsed;
+        draws[drawCount++] = {how, streamArray, mode, first, 0, glm::mat4(1), {}};
     }
 }
 
 void addToStream(const Vertex &vertex) {
-    require(streamUsed < STREAM_VERTICES, "glBegin");
-    stream[streamUsed++] = vertex;
-    ++draws[drawCount - 1].count;
+    require(streamUsed < STREAM_VERTICES && streamIndicesUsed < STREAM_INDICES, "glBegin");
+    const Vertex *end = streamVertices + streamUsed;
+    const Vertex *found = std::find(end - std::min(streamUsed, STREAM_REACH), end, vertex);
+    if (found == end) {
+        streamVertices[streamUsed++] = vertex;
+    }
+    streamIndices[streamIndicesUsed++] =
+        static_cast<GLuint>(streamPart * STREAM_VERTICES + (found - streamVertices));
+    ++draws[drawCount - 1].indices;
 }
 
 void drawWaiting() {
     if (streamUsed > 0) {
-        emscripten_glBindBuffer(GL_ARRAY_BUFFER, streamMesh.buffer);
-        emscripten_glBufferSubData(GL_ARRAY_BUFFER,
-                                   static_cast<GLintptr>(streamPart * sizeof stream),
-                                   static_cast<GLsizeiptr>(streamUsed * sizeof *stream), stream);
+        emscripten_glBindVertexArray(streamArray);
+        upload(GL_ARRAY_BUFFER, streamBuffers[0], streamVertices, sizeof streamVertices,
+               streamUsed * sizeof *streamVertices);
+        upload(GL_ELEMENT_ARRAY_BUFFER, streamBuffers[1], streamIndices, sizeof streamIndices,
+               streamIndicesUsed * sizeof *streamIndices);
         streamPart = (streamPart + 1) % STREAM_PARTS;
-        streamUsed = 0;
+        streamUsed = streamIndicesUsed = 0;
     }
     std::for_each_n(draws, std::exchange(drawCount, 0), [](const Draw &draw) {
         apply(draw.state);
         emscripten_glBindVertexArray(draw.array);
         emscripten_glUniformMatrix4fv(uniforms.model, 1, GL_FALSE, glm::value_ptr(draw.model));
+        if (draw.state.on[LIGHTING]) {
+            const glm::mat3 normals = glm::inverseTranspose(glm::mat3(draw.model));
+            emscripten_glUniformMatrix3fv(uniforms.normals, 1, GL_FALSE, glm::value_ptr(normals));
+        }
         emscripten_glVertexAttrib4fv(COLOUR, glm::value_ptr(draw.colour));
-        emscripten_glDrawArrays(draw.mode, draw.first, draw.count);
+        emscripten_glDrawElements(draw.mode, draw.indices, GL_UNSIGNED_INT,
+                                  reinterpret_cast<const void *>(draw.first * sizeof(GLuint)));
     });
 }
 
@@ -207,7 +255,7 @@ void glEndList() {
     require(!begun && compiling != nullptr);
     // A normal or texture coordinate that the list does not say itself would be the caller's.
     require(compiled.empty() || !std::isnan(compiled[0].normal.x + compiled[0].texCoord.x));
-    compiling->mesh = makeMesh(compiled.data(), static_cast<int>(compiled.size()));
+    compiling->mesh = makeMesh(compiled);
     std::exchange(compiling, nullptr)->last = std::exchange(current, outsideList);
     compiled = {};
 }
@@ -216,7 +264,7 @@ void glCallList(GLuint name) {
     require(name > 0 && name < listCount);
     const List &list = lists[name];
     state.texture = list.texture != 0 ? list.texture : state.texture;
-    if (list.mesh.count > 0) {
+    if (list.mesh.indices > 0) {
         drawMesh(list.mesh, modelview());
         current.normal = list.last.normal;
         current.texCoord = list.last.texCoord;

@@ -28,13 +28,15 @@ Mesh makeSphere(int slices) {
     constexpr int CORNERS[6][2] = {{0, 1}, {1, 1}, {0, 0}, {0, 0}, {1, 1}, {1, 0}};
     std::vector<Vertex> vertices;
     for (int i = 0; i < 6 * slices * slices; ++i) {
-        const double turn = glm::two_pi<double>() * (i / 6 % slices + CORNERS[i % 6][0]) / slices;
-        const double fall = glm::pi<double>() * (i / 6 / slices + CORNERS[i % 6][1]) / slices;
+        const int step = i / 6 % slices + CORNERS[i % 6][0];
+        const int row = i / 6 / slices + CORNERS[i % 6][1];
+        const double turn = glm::two_pi<double>() * step / slices;
+        const double fall = glm::pi<double>() * row / slices;
         const glm::vec3 point(std::sin(fall) * std::cos(turn), std::sin(fall) * std::sin(turn),
                               std::cos(fall));
         vertices.push_back({glm::vec4(point, 1), point, {}, {}});
     }
-    return makeMesh(vertices.data(), static_cast<int>(vertices.size()));
+    return makeMesh(vertices);
 }
 
 constexpr float SCENE_AMBIENT = 0.2F;

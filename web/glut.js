@@ -1,13 +1,11 @@
 // GLUT's window and its events. It is the page's <canvas id="canvas" tabindex="0">, without border
 // or padding, as large as the page's style makes it, whatever size is asked for. The page gives it
-// the focus; everything else is done here.
-
-// The linker's own OpenGL is put out of reach: what this folder lacks does not link, instead of
-// doing something else. WebGL's functions keep their names with "emscripten_" in front.
-const {library: linked} = LibraryManager;
-for (const name of Object.keys(linked).filter((name) => /^gl[A-Z]/.test(name))) {
-    delete linked[name];
-}
+// the focus; everything else is done here. The canvas says two things of the program:
+// data-lines="LEAST MOST": how many the picture may have; the page shows it larger or smaller
+// data-repeats="KEYS": those that come again and again while they are held
+//
+// getWasmTableEntry, GL and ExitStatus are inner names of Emscripten's, which it may change: tried
+// with its versions 3.1.6 and 3.1.69.
 
 const LibraryGLUT = {
     $glut: {redisplay: true},
@@ -31,7 +29,8 @@ const LibraryGLUT = {
     openWindow: function (title) {
         document.title = UTF8ToString(title);
         const context = GL.createContext(document.getElementById('canvas'),
-            {majorVersion: 2, alpha: false, antialias: false, depth: true, stencil: true});
+            {majorVersion: 2, alpha: false, antialias: false, depth: true, stencil: true,
+                powerPreference: 'high-performance'});
         GL.makeContextCurrent(context || abort('This browser has no WebGL 2 for the game.'));
     },
 
@@ -40,47 +39,99 @@ const LibraryGLUT = {
     glutMainLoop: function () {
         const period = 1000 / 60;  // milliseconds
         const early = 4;           // so much before its time a turn may start
-        const named = {Backspace: 8, Enter: 13, Escape: 27, Delete: 127};
+        const repeatTurns = 2;     // from one event of a held key to the next
+        const named = {Backspace: 8, Enter: 13, Escape: 27, Space: 32, Comma: 44, Period: 46,
+            Delete: 127};
         const canvas = document.getElementById('canvas');
+        const context = canvas.getContext('webgl2');
         const listening = new AbortController();
-        const held = new Set();        // keys
+        const [least, most] = canvas.dataset.lines.split(' ').map(Number);
+        const held = new Map();        // keys and buttons: the calls that let go of them
+        const repeating = new Map();   // the keys among them that do, and for how many turns
         const happened = [];           // calls that wait for the next turn
-        const pointer = {x: 0, y: 0};  // in pixels of the display
+        const pointer = {x: 0, y: 0};  // in pixels of the picture
+        let box;                       // of the canvas, in pixels of the display
         let resized = true;
         let next = 0;
 
         const on = (target, type, act) =>
             target.addEventListener(type, act, {signal: listening.signal});
         const tell = (call, ...how) => happened.push(call.bind(null, ...how, pointer.x, pointer.y));
-        const press = (key) => held.add(key) && tell(glut.keyboard, key);
-        const release = (key) => held.delete(key) && tell(glut.keyboardUp, key);
-        const key = (event) => {
-            const typed = named[event.key] || (event.key.length === 1 && event.key.charCodeAt(0));
-            if (typed && typed < 128 && !event.ctrlKey && !event.altKey && !event.metaKey) {
-                event.preventDefault();
-                (event.type === 'keydown' ? press : release)(typed);
-            }
+        const release = (id) => {
+            const letGo = held.get(id);
+            repeating.delete(id);
+            held.delete(id) && letGo();
         };
+
+        // The character of a key event. Where the layout or an input method gives one that GLUT
+        // lacks, it is that which the same key has on a keyboard for English.
+        const typedBy = (event) => {
+            if (/^[ -~]$/.test(event.key)) {
+                return event.key.charCodeAt(0);
+            }
+            const foreign = /^(.|Dead|Process|Unidentified)$/u.test(event.key);
+            const name = foreign ? event.code : event.key;
+            const [, letter] = /^(?:Key|Digit)(.)$/.exec(name) ?? [];
+            if (!letter) {
+                return named[name];
+            }
+            const large = event.shiftKey !== event.getModifierState('CapsLock');
+            return (large ? letter : letter.toLowerCase()).charCodeAt(0);
+        };
+        on(canvas, 'keydown', (event) => {
+            const id = event.code || event.key;
+            const typed = typedBy(event);
+            if (!typed || event.ctrlKey || event.altKey || event.metaKey) {
+                return;
+            }
+            event.preventDefault();
+            // The system's own repetition, which is another one everywhere, does not count.
+            if (!held.has(id)) {
+                held.set(id, () => tell(glut.keyboardUp, typed));
+                tell(glut.keyboard, typed);
+                canvas.dataset.repeats.includes(String.fromCharCode(typed))
+                    && repeating.set(id, {typed, turns: 0});
+            }
+        });
+        on(canvas, 'keyup', (event) => release(event.code || event.key));
         const mouse = (event) => {
-            pointer.x = Math.round(event.clientX * devicePixelRatio);
-            pointer.y = Math.round(event.clientY * devicePixelRatio);
-            if (event.type !== 'mousemove') {
-                tell(glut.mouse, event.button, event.type === 'mousedown' ? 0 : 1);
-            } else if (event.buttons === 0) {
-                tell(glut.motion);
-            }
+            const {left, top, width, height} = canvas.getBoundingClientRect();
+            pointer.x = Math.round((event.clientX - left) * canvas.width / width);
+            pointer.y = Math.round((event.clientY - top) * canvas.height / height);
         };
-        on(canvas, 'keydown', key);
-        on(canvas, 'keyup', key);
-        on(canvas, 'blur', () => held.forEach(release));  // let go of elsewhere
-        on(canvas, 'mousedown', mouse);
-        on(canvas, 'mousemove', mouse);
-        on(window, 'mouseup', mouse);
+        on(canvas, 'mousedown', (event) => {
+            mouse(event);
+            held.set(event.button, () => tell(glut.mouse, event.button, 1));
+            tell(glut.mouse, event.button, 0);
+        });
+        on(canvas, 'mousemove', (event) => {
+            mouse(event);
+            event.buttons === 0 && tell(glut.motion);
+        });
+        on(window, 'mouseup', (event) => {
+            mouse(event);
+            release(event.button);
+        });
+        on(canvas, 'blur', () => [...held.keys()].forEach(release));  // let go of elsewhere
         on(window, 'resize', () => resized = true);
+        const observer = new ResizeObserver(([entry]) => {
+            [box] = entry.devicePixelContentBoxSize || [];
+            resized = true;
+        });
+        try {
+            observer.observe(canvas, {box: 'device-pixel-content-box'});
+        } catch (unknownBox) {
+            observer.observe(canvas);  // a browser that rounds by itself
+        }
 
         const resize = () => {
-            canvas.width = Math.round(canvas.clientWidth * devicePixelRatio);
-            canvas.height = Math.round(canvas.clientHeight * devicePixelRatio);
+            // The browser's own size is exact, but not where it imitates another display.
+            const ratio = devicePixelRatio;
+            const exact = box && Math.abs(box.inlineSize - canvas.clientWidth * ratio) < 2;
+            const width = exact ? box.inlineSize : canvas.clientWidth * ratio;
+            const height = exact ? box.blockSize : canvas.clientHeight * ratio;
+            canvas.height = Math.min(Math.max(Math.round(height), least), most);
+            canvas.width = Math.round(width * canvas.height / height);
             glut.reshape(canvas.width, canvas.height);
             resized = false;
             glut.redisplay = true;
@@ -91,6 +142,8 @@ const LibraryGLUT = {
             while (happened.length > 0) {
                 happened.shift()();
             }
+            repeating.forEach((key) =>
+                ++key.turns % repeatTurns === 0 && tell(glut.keyboard, key.typed));
             glut.idle();
             if (glut.redisplay) {
                 glut.redisplay = false;
@@ -98,12 +151,16 @@ const LibraryGLUT = {
             }
         };
         const frame = (time) => {
+            if (context.isContextLost()) {
+                listening.abort();
+                return;
+            }
             try {
                 time + early >= next && turn(time);
                 requestAnimationFrame(frame);
             } catch (end) {
                 listening.abort();
-                handleException(end);
+                end instanceof ExitStatus || abort(end);  // the page is told of both
             }
         };
         requestAnimationFrame(frame);
@@ -111,4 +168,5 @@ const LibraryGLUT = {
     },
 };
 autoAddDeps(LibraryGLUT, '$glut');
+const {library: linked} = LibraryManager;
 mergeInto(linked, LibraryGLUT);

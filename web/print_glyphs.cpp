@@ -32,7 +32,8 @@ void glBitmap(GLsizei width, GLsizei height, GLfloat originX, GLfloat originY, G
         fprintf(stderr, "a glyph of %d by %d does not fit\n", width, height);
         exit(1);
     }
-    drawn = {width, height, originX, originY, advance, {bits, bits + (width + 7) / 8 * height}};
+    const int size = (width + 7) / 8 * height;
+    drawn = {width, height, originX, originY, advance, {bits, bits + size}};
 }
 
 int main(int argc, char **argv) {

@@ -16,6 +16,7 @@ layout(location = 1) in vec3 normal;
 layout(location = 2) in vec4 colour;
 layout(location = 3) in vec2 texCoord;
 uniform mat4 projection, model;
+uniform mat3 normals;  // what they are multiplied by
 uniform bool lighting;
 uniform vec4 lightPosition[2];
 uniform vec3 lightAmbient[2], lightDiffuse[2];
@@ -28,7 +29,7 @@ void main() {
     gl_PointSize = 1.0;
     vec3 light = vec3(1);
     if (lighting) {
-        vec3 n = normalize(transpose(inverse(mat3(model))) * normal);
+        vec3 n = normalize(normals * normal);
         light = vec3(0.2);
         for (int i = 0; i < 2; ++i) {
             vec3 towards = normalize(lightPosition[i].xyz - place.xyz / place.w);
@@ -69,8 +70,9 @@ void initShaders() {
     emscripten_glLinkProgram(program);
     emscripten_glUseProgram(program);
     const auto find = [=](auto name) { return emscripten_glGetUniformLocation(program, name); };
-    uniforms = {find("projection"),    find("model"),        find("texturing"),   find("lighting"),
-                find("lightPosition"), find("lightAmbient"), find("lightDiffuse")};
+    uniforms = {find("projection"),   find("model"),       find("normals"),
+                find("texturing"),    find("lighting"),    find("lightPosition"),
+                find("lightAmbient"), find("lightDiffuse")};
     require(uniforms.projection >= 0, "The shaders");
 }
 

@@ -11,17 +11,20 @@ function(packed file name)
 endfunction()
 
 packed(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog)
+execute_process(COMMAND date --utc --rfc-email --date ${RELEASE_DATE} OUTPUT_VARIABLE MAIL_DATE
+                OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 packed(debian/changelog.in changelog.Debian)
 packed(${CMAKE_CURRENT_BINARY_DIR}/talvery.6 man/talvery.6)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/man/talvery.6.gz COMPONENT game
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man6)
+install_into(${CMAKE_INSTALL_MANDIR}/man6 game FILES ${CMAKE_CURRENT_BINARY_DIR}/man/talvery.6.gz)
 foreach(component game data)
-    install(FILES debian/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
-                  ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz COMPONENT ${component}
-            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name_${component}})
-    install(FILES debian/${name_${component}}.lintian-overrides COMPONENT ${component}
-            RENAME ${name_${component}}
-            DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides)
+    # This folder CPack has made itself.
+    install(CODE "execute_process(COMMAND chmod 755 \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\"
+                                  COMMAND_ERROR_IS_FATAL ANY)" COMPONENT ${component})
+    install_into(${CMAKE_INSTALL_DATADIR}/doc/${name_${component}} ${component}
+                 FILES debian/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
+                       ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)
+    install_into(${CMAKE_INSTALL_DATADIR}/lintian/overrides ${component}
+                 FILES debian/${name_${component}}.lintian-overrides RENAME ${name_${component}})
 endforeach()
 
 set(CPACK_GENERATOR DEB)
@@ -30,7 +33,6 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR})
 set(CPACK_COMPONENTS_ALL game data)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # Nobody has published the packages yet; whoever does, puts a name and an address here.
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Talvery developers <developers@talvery.invalid>")

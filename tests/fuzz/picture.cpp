@@ -9,7 +9,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const Temp_File file(std::string(data, data + size));
-    recording::reset();
+    recording::gl = {};
     if (LoadBitmap(file.name()) < 0 || !recording::faults().empty()) {
         abort();
     }

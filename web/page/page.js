@@ -1,14 +1,18 @@
 // The page round the game: loads its files, gives it the window, and says what happens.
 'use strict';
+/* global unpackPicture, keepGame */
 
 (() => {
 
 const FILES = JSON.parse(document.getElementById('files').textContent);
+const PROGRAM = 'talvery.wasm';
+const SCENES = ['title', 'town', 'battle'];  // in the order of the game's status
 const MEGABYTE = 1e6;
 const RESTING_MS = 3000;  // from the pointer's last move until the buttons go
+const LINE = 40;          // pixels that an arrow key scrolls the help
 
-const part = (id) => document.getElementById(id);
-const canvas = part('canvas');
+const byId = (id) => document.getElementById(id);
+const canvas = byId('canvas');
 
 // --- What the page says ------------------------------------------------------------
 
@@ -16,24 +20,24 @@ const canvas = part('canvas');
 function say(state, text, button = '', action = undefined) {
     document.body.dataset.state = state;
     document.body.classList.toggle('running', state === 'running');
-    part('state').textContent = text;
-    part('failed').replaceChildren();
-    part('again').hidden = !button;
-    part('again').textContent = button;
-    part('again').onclick = action;
+    byId('state').textContent = text;
+    byId('failed').replaceChildren();
+    byId('again').hidden = !button;
+    byId('again').textContent = button;
+    byId('again').onclick = action;
     if (button) {
-        part('again').focus({preventScroll: true});
+        byId('again').focus({preventScroll: true});
     }
 }
 
-let over = false;
+let ended = false;
 
 // The game runs no longer; what is left of it may not speak any more.
 function stop(text) {
-    if (over) {
+    if (ended) {
         return;
     }
-    over = true;
+    ended = true;
     if (document.fullscreenElement) {
         document.exitFullscreen();
     }
@@ -41,7 +45,7 @@ function stop(text) {
 }
 
 function crash(reason) {
-    if (!over) {
+    if (!ended) {
         console.error(reason);
     }
     stop(`The game had to stop: ${reason?.message ?? reason}`);
@@ -73,18 +77,21 @@ const contents = new Map();  // of the files that have arrived, unpacked
 function showProgress() {
     const sum = (of) => FILES.reduce((total, file) => total + of(file), 0) / MEGABYTE;
     const arrived = sum((file) => file.arrived ?? 0);
-    const all = sum((file) => file.packed);
-    part('bar').max = all;
-    part('bar').value = arrived;
-    part('megabytes').textContent = `${arrived.toFixed(1)} of ${all.toFixed(1)} MB`;
+    const all = sum((file) => file.size);
+    byId('bar').max = all;
+    byId('bar').value = arrived;
+    byId('megabytes').textContent = `${arrived.toFixed(1)} of ${all.toFixed(1)} MB`;
 }
 
-// A name holds its content's hash: what the browser has kept is never out of date. What did not
-// arrive may have been kept as well, and is asked for anew.
-async function load(file) {
-    const answer = await fetch(file.path, {cache: file.failed ? 'reload' : 'force-cache'});
+// What a server sends that is not the file which the page names.
+class WrongAnswer extends Error {}
+
+// Resolves to the bytes of a file as they travel.
+async function fetchBytes(file, cache) {
+    file.arrived = 0;
+    const answer = await fetch(file.path, {cache});
     if (!answer.ok) {
-        throw new Error(`the server answers ${answer.status}`);
+        throw new WrongAnswer(`the server answers ${answer.status}`);
     }
     const counted = answer.body.pipeThrough(new TransformStream({
         transform(bytes, onwards) {
@@ -93,74 +100,113 @@ async function load(file) {
             onwards.enqueue(bytes);
         },
     }));
-    const unpacked = counted.pipeThrough(new DecompressionStream('gzip'));
-    const bytes = new Uint8Array(await new Response(unpacked).arrayBuffer());
-    if (bytes.length !== file.size) {
-        throw new TypeError('another length');
+    const bytes = await new Response(counted).arrayBuffer();
+    if (bytes.byteLength !== file.size) {
+        throw new WrongAnswer('not whole');
     }
-    contents.set(file.name, bytes);
+    return bytes;
 }
 
+async function unzip(bytes) {
+    const whole = new Response(bytes).body.pipeThrough(new DecompressionStream('gzip'));
+    return new Uint8Array(await new Response(whole).arrayBuffer());
+}
+
+async function load(file, cache) {
+    const bytes = await fetchBytes(file, cache);
+    const content = await (file.full ? unpackPicture(bytes, file.sum) : unzip(bytes))
+        .catch(() => { throw new WrongAnswer('damaged'); });
+    if (content) {
+        contents.set(file.name, content);
+    } else {
+        byId('state').textContent = 'This browser alters the pictures that a page unpacks. '
+            + 'Loading them as larger files.';
+        Object.assign(file, {...file.full, full: undefined});
+        await load(file, cache);
+    }
+}
+
+// A name holds its content's hash: what the browser has kept is never out of date. It may have kept
+// a wrong answer, though, so the server itself is asked before a file counts as failed.
 async function loadAll() {
     say('loading', 'Loading the town.');
-    const missing = FILES.filter((file) => !contents.has(file.name));
-    await Promise.all(missing.map((file) => {
-        file.arrived = 0;
-        return load(file).then(() => { file.failed = undefined; }, (reason) => {
+    const failed = [];
+    await Promise.all(FILES.filter(({name}) => !contents.has(name)).map((file) =>
+        load(file, 'force-cache').catch(() => load(file, 'reload')).catch((reason) => {
             file.arrived = 0;
-            file.failed = reason instanceof TypeError ? 'not whole' : reason.message;
-        });
-    }));
-    const failed = missing.filter((file) => file.failed);
-    if (failed.length === 0) {
-        start();
+            failed.push({name: file.name, reason});
+        })));
+    if (failed.length > 0) {
+        giveUp(failed);
+    } else {
+        start().catch(crash);
+    }
+}
+
+// Names the files that did not arrive. Where the server answers wrongly, the page may be one that
+// the browser has kept while the files got other names: it is fetched anew, but not twice.
+function giveUp(failed) {
+    const wrong = failed.some(({reason}) => reason instanceof WrongAnswer);
+    if (wrong && performance.getEntriesByType('navigation')[0]?.type !== 'reload') {
+        location.reload();
         return;
     }
     say('failed', failed.length === 1 ? 'A file of the game did not arrive:'
-        : `${failed.length} files of the game did not arrive:`, 'Try again', loadAll);
-    part('failed').replaceChildren(...failed.map((file) => {
+        : `${failed.length} files of the game did not arrive:`,
+    'Try again', wrong ? () => location.reload() : loadAll);
+    byId('failed').replaceChildren(...failed.map(({name, reason}) => {
         const line = document.createElement('li');
-        line.textContent = `${file.name} (${file.failed})`;
+        const why = reason instanceof WrongAnswer ? reason.message : 'the connection broke off';
+        line.textContent = `${name} (${why})`;
         return line;
     }));
 }
 
-// --- Playing -----------------------------------------------------------------------
-
-// Takes a file out of those that have arrived.
-function take(name) {
-    const bytes = contents.get(name);
-    contents.delete(name);
-    return bytes;
+// What the page itself names, and has not got.
+function missing() {
+    const present = {'talvery.js': 'createTalvery' in window,
+        'pictures.js': 'unpackPicture' in window, 'offline.js': 'keepGame' in window,
+        'page.css': getComputedStyle(canvas).position === 'fixed'};
+    const reason = new WrongAnswer('it is missing, or the server forbids it');
+    return Object.keys(present).filter((name) => !present[name]).map((name) => ({name, reason}));
 }
 
+// --- Playing -----------------------------------------------------------------------
+
 async function start() {
-    part('state').textContent = 'Starting.';
-    const script = document.createElement('script');
-    script.src = URL.createObjectURL(new Blob([take('talvery.js')], {type: 'text/javascript'}));
-    await new Promise((done) => {
-        script.onload = done;
-        document.head.append(script);
-    });
+    byId('state').textContent = 'Starting.';
     const game = await createTalvery({
-        wasmBinary: take('talvery.wasm'),
+        wasmBinary: contents.get(PROGRAM),
         print: console.log,
         printErr: console.error,
         onExit: () => stop('The game has ended. Another round?'),
         onAbort: crash,
     });
-    for (const name of contents.keys()) {
-        game.FS.writeFile(name, take(name), {canOwn: true});
+    contents.delete(PROGRAM);
+    for (const [name, bytes] of contents) {
+        game.FS.writeFile(name, bytes, {canOwn: true});
     }
+    contents.clear();
     await nextPicture();
     game.callMain([]);
-    if (!over) {
+    if (!ended) {
         say('running', '');
         wake();
         canvas.focus();
+        watchScene(game);
+        keepGame();
     }
     // The motions are read while the game runs; the rest only takes memory.
     FILES.filter(({name}) => /\.(bmp|obj)$/.test(name)).forEach(({name}) => game.FS.unlink(name));
+}
+
+// Keeps what the game shows in the page's data-scene.
+function watchScene(game) {
+    const scene = SCENES[game.getValue(game._status, 'i32')];
+    if (document.body.dataset.scene !== scene) {
+        document.body.dataset.scene = scene;
+    }
+    ended || requestAnimationFrame(() => watchScene(game));
 }
 
 // Resolves after the browser has shown what the page says by now.
@@ -179,14 +225,14 @@ function wake() {
 }
 window.addEventListener('pointermove', wake);
 
-part('keys').onclick = () => {
+byId('keys').onclick = () => {
     const shown = document.body.classList.toggle('help');
-    part('keys').setAttribute('aria-expanded', shown);
+    byId('keys').setAttribute('aria-expanded', shown);
     canvas.focus();
 };
-part('page').addEventListener('click', () => canvas.focus());
+byId('page').addEventListener('click', () => canvas.focus());
 
-part('fullscreen').hidden = !document.fullscreenEnabled;
+byId('fullscreen').hidden = !document.fullscreenEnabled;
 async function changeScreen() {
     canvas.focus();
     if (document.fullscreenElement) {
@@ -194,36 +240,56 @@ async function changeScreen() {
         return;
     }
     await document.documentElement.requestFullscreen();
+    await screen.orientation?.lock?.('landscape').catch(console.warn);
     await navigator.keyboard?.lock?.(['Escape']);
 }
 // A browser that refuses does not end the game.
-part('fullscreen').onclick = () => changeScreen().catch(console.warn);
+byId('fullscreen').onclick = () => changeScreen().catch(console.warn);
 document.addEventListener('fullscreenchange', () => {
-    part('fullscreen').textContent =
+    byId('fullscreen').textContent =
         document.fullscreenElement ? 'Leave full screen' : 'Full screen';
 });
 if (navigator.keyboard?.lock) {
-    part('leaving').textContent =
+    byId('leaving').textContent =
         'In full screen, Escape goes to the game; hold it to leave full screen.';
 }
 
-canvas.addEventListener('webglcontextlost', (event) => {
-    event.preventDefault();
+// The help may lie over the game, which keeps the keys; these are not among its own.
+canvas.addEventListener('keydown', ({key}) => {
+    const help = byId('page');
+    const height = help.clientHeight - LINE;
+    const way = {ArrowUp: -LINE, ArrowDown: LINE, PageUp: -height, PageDown: height}[key];
+    help.scrollBy(0, way ?? 0);
+});
+
+for (const type of ['keydown', 'keyup', 'pointermove']) {
+    window.addEventListener(type, (event) => {
+        byId('caps').hidden = !event.getModifierState('CapsLock');
+    });
+}
+
+canvas.addEventListener('webglcontextlost', () => {
     stop('The graphics card took its picture away, as it does when its driver starts anew.');
 });
 canvas.addEventListener('contextmenu', (event) => event.preventDefault());
-window.addEventListener('error', ({error}) => error && crash(error));
-window.addEventListener('unhandledrejection', ({reason}) => crash(reason));
 
-const why = obstacle();
-if (why) {
-    say('stopped', why);
-} else if (matchMedia('(any-pointer: coarse)').matches
-           && !matchMedia('(any-pointer: fine)').matches) {
-    say('stopped', 'Talvery is played with a keyboard, and this device seems to have none.',
-        'Load it all the same', loadAll);
+function begin() {
+    const why = obstacle();
+    const lacking = missing();
+    if (why) {
+        say('stopped', why);
+    } else if (lacking.length > 0) {
+        giveUp(lacking);
+    } else {
+        loadAll();
+    }
+}
+
+// WebKit may still wait for the style sheet here, but not when the whole page has arrived.
+if (missing().length > 0) {
+    window.addEventListener('load', begin);
 } else {
-    loadAll();
+    begin();
 }
 
 })();

@@ -1,0 +1,58 @@
+#!/usr/bin/env python3
+"""Shows the site in a browser that takes the whole display and all keys, as the program would. Ends
+with status 0 when the page says that the game has ended, otherwise with 1 and the page's words.
+
+Usage: browser_window.py chromium|firefox|webkit [SITE]
+SITE is the folder that tools/web makes; without it, the current one.
+"""
+
+import pathlib
+import queue
+import signal
+import subprocess
+import sys
+
+from browsers import BROWSERS, browser
+from site_server import SiteServer
+
+REPORTS = pathlib.Path(__file__).with_name("page_reports.js")
+# No window manager does that.
+TAKE_DISPLAY = ("xdotool search --sync --onlyvisible --limit 1 --name Talvery "
+                "windowmove 0 0 windowsize 100% 100% windowfocus").split()
+
+
+def play(name, site):
+    """Returns the last words of the page, or of what stood in its way."""
+    with SiteServer(site) as server:
+        server.scripts.append(REPORTS)
+        with browser(name, server.address) as process:
+            while process.poll() is None:
+                try:
+                    path, words = server.posted.get(timeout=1)
+                except queue.Empty:
+                    continue
+                state, words = path.strip("/"), words.decode()
+                if state == "console":
+                    print(words, flush=True)
+                elif state == "loading":
+                    subprocess.Popen(TAKE_DISPLAY)  # some windows never tell it that they have
+                elif state != "running":
+                    return words
+    return f"{name} ended"
+
+
+def main():
+    if len(sys.argv) not in (2, 3) or sys.argv[1] not in BROWSERS:
+        sys.exit(__doc__)
+    # The browser is ended with it.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    try:
+        words = play(sys.argv[1], *sys.argv[2:] or ["."])
+    except (OSError, subprocess.SubprocessError) as reason:
+        words = str(reason)
+    if not words.startswith("The game has ended."):
+        sys.exit(f"browser_window.py: {words}")
+
+
+if __name__ == "__main__":
+    main()

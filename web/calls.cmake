@@ -1,0 +1,15 @@
+# Ends the build where one of the FILES calls an OpenGL function that none of them has. The linker
+# would take WebGL's function of that name, which does something else.
+execute_process(COMMAND ${NM} ${FILES} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "U gl[A-Z][A-Za-z0-9]*" called "${symbols}")
+string(REGEX MATCHALL "T gl[A-Z][A-Za-z0-9]*" present "${symbols}")
+list(TRANSFORM called REPLACE "U " "")
+list(TRANSFORM present REPLACE "T " "")
+list(REMOVE_DUPLICATES called)
+if(NOT called OR NOT present)
+    message(FATAL_ERROR "${NM} shows no OpenGL in ${FILES}")
+endif()
+list(REMOVE_ITEM called ${present})
+if(called)
+    message(FATAL_ERROR "web/ lacks what the game calls: ${called}")
+endif()
