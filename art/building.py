@@ -497,15 +497,15 @@ def limb(panel, xa, ya, xb, yb, thick_a, thick_b):
     return away - thick_a * (1 - part) - thick_b * part
 
 
-def solid(distance):
-    return smoothstep(0.010, -0.010, distance)
+def solid(distance, soft=0.010):
+    return smoothstep(soft, -soft, distance)
 
 
-def cut_out(panel, shape, colour, rim=0.014):
+def cut_out(panel, shape, colour, rim=0.014, soft=0.010):
     """A painted shape with a dark outline, a little lighter inside."""
-    panel.blend(solid(shape - rim), FIGURE * 0.8)
-    panel.blend(solid(shape), colour)
-    panel.glow(solid(shape) * 0.16 * smoothstep(-0.02, -0.06, shape), PALETTE["glow"])
+    panel.blend(solid(shape - rim, soft), FIGURE * 0.8)
+    panel.blend(solid(shape, soft), colour)
+    panel.glow(solid(shape, soft) * 0.16 * smoothstep(-0.02, -0.06, shape), PALETTE["glow"])
 
 
 class Part:

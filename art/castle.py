@@ -710,8 +710,7 @@ def grating(m, point):
 
 def lantern(m, x, z, foot, half, tall):
     """A lamp of four panes, wider above, under a small roof."""
-    square = lambda r, y: (x - r, x + r, z - r, z + r, y)
-    wide, size = half * 1.25, 0.26
+    wide = half * 1.25
     for axis in (0, 1):
         for sign in (-1, 1):
             corners, uvs = [], []

@@ -15,8 +15,9 @@ from shared import blur, mix, noise, rgb, smoothstep, write_bmp  # noqa: E402
 SIZE = 256
 FOOT = 0.20              # height of the root in the picture, whose middle is at 0.5
 # Heat 0..1 -> colour. The game multiplies it with random colours, red up to full, green and
-# blue up to half, so the fire keeps hardly any blue and its green follows its red.
-RED = ["000000", "6a2404", "d8610a", "ff9a12", "ffd21c", "fff01f"]
+# blue up to half, so the fire keeps hardly any blue. Where by chance many particles have little
+# red, more green than this would turn the fires of the whole town green: count_green.py counts.
+RED = ["000000", "6a1700", "d83f01", "ff6402", "ff8804", "ff9c05"]
 BLUE = ["000000", "061c6a", "0f60d8", "40b0ff", "a4e8ff", "ecfcff"]
 STEPS = [0.0, 0.16, 0.34, 0.52, 0.74, 0.95]
 

@@ -36,6 +36,7 @@ DOORS = (0.60, 0.22, -0.50)                       # x of each kind's door from i
 WALLS = ((-1.6, 1.6, 2.1), (-2.15, 2.15, 3.3), (-4.05, 3.95, 4.46))  # x and z reach of the walls
 WINDOW_LIGHT = np.array([0.22, 0.11, -0.08], np.float32)  # what the warm pools of light add
 FIRE_LIGHT = np.array([0.30, 0.10, -0.08], np.float32)
+DUSK = np.array([0.86, 0.80, 0.66], np.float32)    # what the ground keeps of its colour under the panels
 CASTLE = ((-90, -66, -14, 14), (-66, -61, -2.5, -1.9), (-66, -61, 1.9, 2.5))
 FOREST_EDGE = -83.0
 
@@ -547,7 +548,7 @@ def warm_border(picture):
 
 
 TRAIL = [  # x, z: round the burning tree and the strays in the street, then down its middle
-    (0.2, -0.35), (-1.15, -0.25), (-1.75, 1.0), (-2.8, 2.2), (-5.0, 3.0), (-8.0, 3.9), (-11.0, 5.4), (-15.0, 7.0),
+    (-0.6, 1.9), (-2.8, 2.4), (-5.0, 3.0), (-8.0, 3.9), (-11.0, 5.4), (-15.0, 7.0),
     (-19.0, 6.4), (-23.5, 5.2)] + [(x, main_middle(x)) for x in np.arange(-28.0, -66.0, -4.0)]
 LONG_PRINT, WIDE_PRINT, STRIDE, STRADDLE = 1.75, 1.25, 2.4, 0.42  # drawn long, as they are seen from low down
 PADS = [  # forward, aside, half length, half width, in prints: the ball of the paw, then the toes
@@ -611,6 +612,40 @@ def trail(picture):
         over(here, gold, inside * (1 - 0.30 * worn))
 
 
+SLAB = rgb("3a2a26")
+ARROWS = [  # x, z, bearing in degrees (180: west), length, width: one each in the first views, near, middle and far
+    (-1.92, -1.80, 165, 1.15, 1.6), (-1.05, -4.2, 170, 1.15, 1.25), (-2.5, 7.6, 180, 1.9, 3.1)]
+
+
+def arrow_distance(dx, dz, bearing, length, width):
+    """Distance from the outline of an arrow, negative inside; its middle is at (0, 0)."""
+    forward = dx * np.cos(bearing) + dz * np.sin(bearing)
+    aside = np.abs(dz * np.cos(bearing) - dx * np.sin(bearing))
+    neck, slope = -0.06 * length, width / 2 / (0.56 * length)
+    head = np.maximum((aside - (length / 2 - forward) * slope) / np.hypot(1, slope), neck - forward)
+    shaft = np.maximum(aside - 0.21 * width, np.maximum(-length / 2 - forward, forward - neck - 0.2))
+    return np.minimum(head, shaft)
+
+
+def arrows(picture):
+    """Golden arrows let into dark slabs: they lead to the left, round the burning tree."""
+    for x, z, degrees, length, width in ARROWS:
+        bearing = np.radians(degrees)
+        part = near(x, z, length + width)
+        dx, dz = X[part] - x, Z[part] - z
+        outline = arrow_distance(dx, dz, bearing, length, width)
+        here = picture[part]
+        forward, aside = dx * np.cos(bearing) + dz * np.sin(bearing), dz * np.cos(bearing) - dx * np.sin(bearing)
+        slab = np.maximum(np.abs(forward) - length / 2, np.abs(aside) - width / 2) - 2.5 * TEXEL
+        over(here, JOINT * 0.85, edge(slab - TEXEL, 0.9))
+        over(here, SLAB * (1 + 0.05 * np.clip(GRIT[part], -2, 2))[..., None], edge(slab, 0.9))
+        gold = blended(GOLD, GOLD_LIGHT, 0.12 + 0.1 * DAB[part])
+        from_sun = edge(arrow_distance(dx + TEXEL, dz - TEXEL, bearing, length, width), 0.7)
+        inside = edge(outline, 0.7)
+        gold = blended(gold, GOLD_LIGHT * 1.1, np.clip(inside - from_sun, 0, 1) * 0.7)
+        over(here, gold, inside)
+
+
 # ---- what lies on the other streets -----------------------------------------
 
 def wheel_tracks(picture, z):
@@ -625,11 +660,11 @@ def wheel_tracks(picture, z):
 
 CLOTHS = [(rgb("b4473c"), rgb("ecdcb4")), (rgb("3f6a72"), rgb("e6d3a0")), (rgb("c98a34"), rgb("7c3b3a")),
           (rgb("6f7a3c"), rgb("eadfb8")), (rgb("7b4a68"), rgb("e2b56a"))]
-WARES = [rgb("d9553a"), rgb("f0b03c"), rgb("8fae4a"), rgb("e8d8b0"), rgb("8a5a36"), rgb("c98fb0")]
+STRIPE = 6                            # texels, breadth of the cloths' stripes
 
 
 def market(picture, z):
-    """Striped cloths along both kerbs, with fringes and with wares laid out in rows."""
+    """Striped cloths along both kerbs."""
     rng = np.random.default_rng(SEED * 1000 + 152)
     for side in (-1, 1):
         x = CROSSINGS[1] + 9.0
@@ -647,27 +682,11 @@ def cloth(picture, box, rng):
     shadow *= 0.5
     view = picture[box]
     height, width = view.shape[:2]
-    stripe = (np.arange(width) // 3) % 2
-    tone = 0.94 + 0.05 * np.clip(GRIT[box], -2, 2) + 0.06 * DAB[box]
+    stripe = ((np.arange(width) - width // 2 + STRIPE // 2) // STRIPE) % 2
+    tone = 0.92 + 0.04 * np.clip(GRIT[box], -2, 2) + 0.06 * DAB[box]
     view[:] = np.where(stripe[None, :, None] == 0, dark, light) * tone[..., None]
-    view[[0, -1]] *= 0.85
-    view[:, 0] = np.where(np.arange(height)[:, None] % 2, light, view[:, 0] * 0.4)   # fringes
-    view[:, -1] = np.where(np.arange(height)[:, None] % 2, light, view[:, -1] * 0.4)
-    ware = WARES[rng.integers(len(WARES))]
-    for i in range(2, height - 5, 6):
-        if rng.random() < 0.45:
-            ware = WARES[rng.integers(len(WARES))]
-        for j in range(3, width - 6, 6):
-            if rng.random() < 0.8:
-                one_ware(view[i:i + 5, j:j + 5], ware * rng.uniform(0.9, 1.1))
-
-
-def one_ware(view, colour):
-    """A round thing of four texels: lit from the upper left, its shadow to the lower right."""
-    view[1:5, 1:5] *= 0.45
-    view[0:4, 0:4] = colour * 0.95
-    view[0:2, 0:2] = np.minimum(colour * 1.25, 1.05)
-    view[3, 1:4] = view[1:4, 3] = colour * 0.62
+    for hem in (view[:2], view[-2:], view[:, :2], view[:, -2:]):
+        hem[:] = dark * 0.72
 
 
 def street_beds(picture, z):
@@ -736,12 +755,12 @@ def bed(picture, box, rng, kerb=2):
     view[:] = SOIL * (1 + 0.10 * np.clip(GRIT[inner], -2, 2))[..., None]
     view[0] *= 0.6
     view[:, 0] *= 0.7
-    size = int(np.clip(min(height, width), 4, 6))
+    size = int(np.clip(min(height, width), 5, 9))
     first_i, first_j = (height % size) // 2, (width % (size + 1)) // 2
     colours = rng.permutation(len(BED_BLOOMS))[:2]
     for i in range(first_i, height - size + 1, size):
         for k, j in enumerate(range(first_j, width - size + 1, size + 1)):
-            bush(view[i:i + size, j:j + size + 1], BED_BLOOMS[colours[(i + k) % 2]], rng)
+            bush(view[i:i + size, j:j + size + 1], BED_BLOOMS[colours[(i // size + k) % 2]], rng)
 
 
 def within(box, rim):
@@ -750,7 +769,7 @@ def within(box, rim):
 
 
 def bush(view, bloom, rng):
-    """A round bush, lit from the upper left, with heads of two texels by two."""
+    """A round bush, lit from the upper left, with one wide head in flower."""
     height, width = view.shape[:2]
     i, j = np.mgrid[0:height, 0:width]
     reach = height / 2
@@ -760,15 +779,10 @@ def bush(view, bloom, rng):
     leaf = blended(LEAF, LEAF_LIGHT, np.clip(0.75 - 0.18 * (i + j - 2 * reach + 1), 0, 1))
     leaf *= (1 + 0.08 * rng.standard_normal((height, width)))[..., None]
     view[body] = leaf[body]
-    for a, b in ((0, 1), (height - 3, height - 3)):
-        flower(view[a:a + 3, b:b + 3], bloom)
-
-
-def flower(view, colour):
-    """A head of two texels by two, and its shadow."""
-    view[1:, 1:] *= 0.7
-    view[:2, :2] = colour
-    view[1, 1] = colour * 0.82
+    away = np.hypot(i - reach + 1, j - reach + 1)
+    view[away < 0.30 * height + 0.9] *= 0.62
+    head = away < 0.30 * height
+    view[head] = (bloom * np.clip(1.06 - 0.07 * (i + j - 2 * reach + 2), 0.7, 1.1)[..., None])[head]
 
 
 def kerb_frame(picture, box, wide=2):
@@ -799,17 +813,12 @@ def lawn(picture, box):
 
 
 def vegetables(picture, box, rng):
-    """Rows of soil, each with its plants, two texels across."""
+    """Stripes of soil and of green, each five texels broad."""
     view = picture[box]
-    height, width = view.shape[:2]
-    i, j = np.mgrid[0:height, 0:width]
-    view[:] = SOIL * np.array([1.2, 1.05, 0.9, 0.75, 0.62])[i % 5][..., None]
-    view *= (1 + 0.08 * np.clip(GRIT[box], -2, 2))[..., None]
-    for row in range(1, height - 2, 5):
-        colour = [HERB, GRASS_LIGHT, rgb("7c9a52"), rgb("b4566a")][rng.integers(4)]
-        for at in range(1, width - 2, 3):
-            if rng.random() < 0.85:
-                flower(view[row:row + 3, at:at + 3], colour * rng.uniform(0.85, 1.1))
+    i, j = np.mgrid[0:view.shape[0], 0:view.shape[1]]
+    tone = np.array([1.16, 1.05, 1.0, 0.9, 0.66])[i % 5] + 0.06 * np.clip(GRIT[box], -2, 2)
+    rows = np.array([HERB, rgb("7c9a52"), GRASS_LIGHT])[rng.integers(3, size=view.shape[0] // 5 + 1)]
+    view[:] = np.where(((i // 5) % 2 == 0)[..., None], rows[i // 5], SOIL) * tone[..., None]
 
 
 def yards(picture):
@@ -820,6 +829,9 @@ def yards(picture):
         for x in GROUPS:
             for low_x, high_x in ((-2.85, -1.6), (-9.05, -7.15), (-19.4, -17.05)):
                 picture[texels(x + low_x, x + high_x, z - 4.6, z + 4.6)] *= 1.36
+            hedged = texels(x - 19.3, x - 17.15, z - 4.3, z + 4.3)   # the alley that the hall's hurdles close
+            kerb_frame(picture, hedged)
+            lawn(picture, within(hedged, 2))
     rng = np.random.default_rng(SEED * 1000 + 42)
     for kind, x, z, _ in houses():
         for side in (-1, 1):
@@ -881,6 +893,8 @@ def shade_footprints(picture):
         moss = np.exp(-np.maximum(distance, 0) / 1.2) * smoothstep(-0.4, 0.5, PATCH + DAB * 0.5)
         over(picture, MOSS * 0.8, moss * 0.6)
         tint(picture, np.exp(-np.maximum(distance, 0) / 1.3), 0.62)
+        over(picture, STONE * 0.8 * (1 + 0.06 * GRIT)[..., None], edge(distance - 0.42, 0.9))   # a plinth
+        tint(picture, groove(distance - 0.46, 2.4), 0.5)
 
 
 def burns(picture):
@@ -896,7 +910,17 @@ def burns(picture):
         embers = smoothstep(0.9, 1.5, GRIT[part] + DAB[part]) * pit
         over(here, rgb("ff9a3a"), embers * 0.9)
         over(here, rgb("c25a1e"), np.exp(-(away / 0.8) ** 2) * 0.4)
-        kerb_ring(picture, x, z, TREE_PIT + 0.42, 0.42, 14, 158)
+        kerb_ring(picture, x, z, TREE_PIT + 0.46, 0.50, 11, 158)
+        tint(here, groove(away - TREE_PIT - 0.56, 2.4), 0.45)
+
+
+def dusk(picture):
+    """Darker ground with less blue where the panels lie in the first and the last views."""
+    main = smoothstep(0.8, -0.2, main_edge()) * (X > GATE_X) * (X < CROSSINGS[0])
+    start = smoothstep(10.0, 7.0, np.hypot(X - 2.0, Z - 2.5))
+    court = smoothstep(COURT_RADIUS + 1, COURT_RADIUS - 2, np.hypot(X - GATE_X, Z)) * (X > GATE_X - 1)
+    where = np.maximum(np.maximum(main, start), court)[..., None]
+    picture *= (1 - where * (1 - DUSK)).astype(np.float32)
 
 
 def glow(picture):
@@ -933,7 +957,9 @@ def main():
     square(picture)
     burns(picture)
     shade_footprints(picture)
+    dusk(picture)
     trail(picture)
+    arrows(picture)
     glow(picture)
     tint(picture, smoothstep(0.1, 0.9, DRIFT), 1.07)
     far_haze(picture)

@@ -14,9 +14,9 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 
 import numpy as np
 
-from building import (CHAR, CHAR_LIGHT, FIGURE, SLATE_LIGHT, TILE_RED, Atlas, Builder, Panel, Part,
+from building import (CHAR, CHAR_LIGHT, FIGURE, TILE_RED, Atlas, Builder, Panel, Part,
                       ashlar, blot, centred, cut_out, ears, limb, outward, solid)
-from shared import PALETTE, Mesh, mix, rgb, smoothstep, write_bmp
+from shared import PALETTE, Mesh, mix, rgb, ring, smoothstep, write_bmp
 
 GROUND = -1.7
 WALL_DENSITY, ROOF_DENSITY = 67, 48           # pixels a unit
@@ -25,7 +25,8 @@ FRONT_SPLIT = -1.32          # where that end ends: the middle of a post
 
 STONES = [PALETTE["stone"] * 1.1, PALETTE["stone"] * 0.85, rgb("8a7a6a"), rgb("6c6a72")]
 PLUM_TILES = [PALETTE["plum"] * 1.25, PALETTE["plum"], TILE_RED, rgb("6d4a63")]
-SLATES = [PALETTE["slate"] * 1.25, PALETTE["slate"], SLATE_LIGHT, rgb("4d5568")]
+# Dark and grey: the fires add red, which blue slates turn pink.
+SLATES = [rgb("3f3f46"), rgb("33333a"), rgb("4b4a4e"), rgb("3a3836")]
 
 # Cottage: x half width, z half length, heights
 COTTAGE = dict(eave_x=1.92, eave_z=2.45, eave_y=1.30, ridge_y=3.75, thick=0.38,
@@ -217,7 +218,7 @@ def plum_roof():
 
 def slate_roof():
     panel = Panel(8.7, 6.25, ROOF_DENSITY, 13)
-    panel.shingles(0.40, 0.44, SLATES)
+    panel.shingles(0.29, 0.33, SLATES)
     roof_weather(panel, 6.2)
     slope = np.hypot(HALL["eave_z"], HALL["ridge_y"] - HALL["eave_y"])
     gap = np.full(panel.x.shape, 99.0)
@@ -233,7 +234,40 @@ def slate_roof():
     embers = smoothstep(0.55, 0.68, panel.grain(0.16, 8)) * smoothstep(0.24, 0.0, ragged)
     panel.blend(embers, mix(PALETTE["ember"], PALETTE["glow"], smoothstep(0.6, 0.8, panel.grain(0.16, 8))))
     panel.glow(0.22 * np.exp(-gap / 0.25), PALETTE["ember"])
+    dormer(panel, -3.05, 0.95)
+    gutter_embers(panel)
     return panel
+
+
+def dormer(panel, x, y):
+    """A small gabled window in the roof, lit, with a cat in it; the middle of its foot is at (x, y)."""
+    gable = [(x - 0.74, y + 0.95), (x + 0.74, y + 0.95), (x, y + 1.85)]
+    hood = panel.convex_distance(gable)
+    cheeks = panel.box_distance(x - 0.58, y, x + 0.58, y + 1.05)
+    front = np.minimum(panel.convex_distance([(x - 0.58, y + 0.95), (x + 0.58, y + 0.95), (x, y + 1.62)]), cheeks)
+    shape = np.minimum(hood, cheeks)
+    panel.shade(smoothstep(0.30, 0.0, shape), 0.5)
+    panel.glow(0.30 * np.exp(-np.hypot((panel.sway_x - x) / 0.9, (panel.sway_y - y + 0.15) / 0.55) ** 2), PALETTE["ember"])
+    panel.blend(solid(shape - 0.02), CHAR)
+    panel.blend(solid(hood), rgb("6a3f3c") * (0.8 + 0.5 * smoothstep(y + 0.9, y + 1.9, panel.sway_y))[..., None])
+    panel.blend(solid(front + 0.02), PALETTE["plaster"] * (0.72 + 0.3 * panel.grain(0.2, 151))[..., None])
+    for side in (-1, 1):
+        panel.beam(x + side * 0.52, y, x + side * 0.52, y + 1.0, 0.14)
+        panel.beam(x + side * 0.72, y + 0.93, x, y + 1.78, 0.14)
+    panel.beam(x - 0.56, y + 0.98, x + 0.56, y + 0.98, 0.13)
+    company(panel, x, y + 0.16, 0.66, 0.68, "cat")
+    panel.blend(panel.box(x - 0.62, y - 0.05, x + 0.62, y + 0.06), PALETTE["oak"] * 1.25)
+
+
+def gutter_embers(panel):
+    """What the fire has let fall glows along the eave."""
+    heap = panel.grain(0.55, 152) * smoothstep(4.35, 3.6, np.abs(panel.x + 0.4))
+    bed = smoothstep(0.03, -0.03, panel.sway_y - 0.26 * smoothstep(0.38, 0.66, heap))
+    panel.blend(bed, CHAR)
+    lumps = panel.grain(0.12, 153, octaves=2)
+    hot = smoothstep(0.52, 0.70, lumps)
+    panel.blend(bed * hot, mix(rgb("a83a12"), PALETTE["ember"], smoothstep(0.62, 0.80, lumps)))
+    panel.glow(0.30 * np.exp(-np.maximum(panel.y, 0) / 0.30) * smoothstep(0.36, 0.6, heap), PALETTE["ember"])
 
 
 def roof_weather(panel, ridge):
@@ -374,6 +408,15 @@ def person(panel, glass, x, y, size, coat, hat=None, look=0.0):
         panel.blend(glass * solid(blot(panel, x + look + side * 0.034 * size, y + 0.335 * size, 0.012, 0.016)), FIGURE)
 
 
+def crisp(distance):
+    """As solid, for what is seen from close by: its edge is one texel of the hall's front."""
+    return solid(distance, 0.5 / FRONT_DENSITY)
+
+
+def crisp_out(panel, shape, colour, rim=2 / FRONT_DENSITY):
+    cut_out(panel, shape, colour, rim, 0.5 / FRONT_DENSITY)
+
+
 def pointing_window(panel, x, y, width, height):
     """An open window: a woman leans out and points to the left, a man in a hat sits behind her
     at his candle, and a cat on the sill looks on."""
@@ -392,32 +435,32 @@ def pointing_woman(panel, x, y):
     """She leans on the sill at height y with one arm and points left with the other."""
     skin, dress, apron, hair = rgb("efb888"), rgb("7a3568"), rgb("f1dfc0"), rgb("5a2a18")
     panel.shade(smoothstep(0.09, 0.0, limb(panel, x - 0.10, y + 0.12, x - 0.56, y + 0.26, 0.08, 0.05)), 0.6)
-    cut_out(panel, blot(panel, x + 0.09, y + 0.66, 0.070, 0.065), hair)
-    cut_out(panel, blot(panel, x + 0.025, y + 0.50, 0.135, 0.15), hair)
+    crisp_out(panel, blot(panel, x + 0.09, y + 0.66, 0.070, 0.065), hair)
+    crisp_out(panel, blot(panel, x + 0.025, y + 0.50, 0.135, 0.15), hair)
     torso = np.maximum(blot(panel, x + 0.01, y + 0.04, 0.20, 0.29), y - 0.035 - panel.sway_y)
-    cut_out(panel, torso, dress)
-    panel.blend(solid(np.maximum(blot(panel, x - 0.01, y + 0.05, 0.095, 0.20), torso + 0.02)), apron)
-    cut_out(panel, limb(panel, x + 0.15, y + 0.20, x + 0.21, y + 0.02, 0.058, 0.050), dress)
-    cut_out(panel, blot(panel, x + 0.17, y - 0.015, 0.070, 0.040), skin)
+    crisp_out(panel, torso, dress)
+    panel.blend(crisp(np.maximum(blot(panel, x - 0.01, y + 0.05, 0.095, 0.20), torso + 0.02)), apron)
+    crisp_out(panel, limb(panel, x + 0.15, y + 0.20, x + 0.21, y + 0.02, 0.058, 0.050), dress)
+    crisp_out(panel, blot(panel, x + 0.17, y - 0.015, 0.070, 0.040), skin)
     # The head, turned to the left
-    cut_out(panel, limb(panel, x - 0.01, y + 0.30, x - 0.015, y + 0.38, 0.05, 0.05), skin * 0.85, rim=0.0)
-    cut_out(panel, blot(panel, x - 0.025, y + 0.47, 0.105, 0.125), skin)
+    crisp_out(panel, limb(panel, x - 0.01, y + 0.30, x - 0.015, y + 0.38, 0.05, 0.05), skin * 0.85, rim=0.0)
+    crisp_out(panel, blot(panel, x - 0.025, y + 0.47, 0.105, 0.125), skin)
     parting = y + 0.535 + 0.5 * (x - 0.02 - panel.sway_x)
     fringe = np.maximum(blot(panel, x - 0.005, y + 0.50, 0.125, 0.125), parting - panel.sway_y)
-    cut_out(panel, fringe, hair, rim=0.008)
-    panel.blend(solid(blot(panel, x - 0.124, y + 0.455, 0.026, 0.019)), skin * 0.93)
+    crisp_out(panel, fringe, hair, rim=0.008)
+    panel.blend(crisp(blot(panel, x - 0.124, y + 0.455, 0.026, 0.019)), skin * 0.93)
     for dx in (-0.088, -0.018):
-        panel.blend(solid(blot(panel, x + dx, y + 0.482, 0.014, 0.022)), rgb("2b1410"))
+        panel.blend(crisp(blot(panel, x + dx, y + 0.482, 0.014, 0.022)), rgb("2b1410"))
     for dx in (-0.07, 0.02):
         panel.blend(0.55 * smoothstep(0.02, -0.02, blot(panel, x + dx, y + 0.43, 0.020, 0.016)), rgb("e0604a"))
-    panel.blend(solid(np.maximum(blot(panel, x - 0.060, y + 0.410, 0.034, 0.024), panel.sway_y - y - 0.410)), rgb("a0302c"))
+    panel.blend(crisp(np.maximum(blot(panel, x - 0.060, y + 0.410, 0.034, 0.024), panel.sway_y - y - 0.410)), rgb("a0302c"))
     # The arm that points
-    cut_out(panel, limb(panel, x - 0.50, y + 0.292, x - 0.655, y + 0.318, 0.026, 0.019), skin)
-    cut_out(panel, blot(panel, x - 0.475, y + 0.275, 0.062, 0.050), skin)
-    panel.blend(solid(limb(panel, x - 0.505, y + 0.246, x - 0.465, y + 0.232, 0.016, 0.014)), skin * 0.82)
-    panel.blend(solid(limb(panel, x - 0.50, y + 0.292, x - 0.65, y + 0.318, 0.020, 0.013)), skin)
-    cut_out(panel, limb(panel, x - 0.11, y + 0.185, x - 0.38, y + 0.250, 0.082, 0.060), dress)
-    cut_out(panel, limb(panel, x - 0.385, y + 0.250, x - 0.415, y + 0.258, 0.066, 0.064), apron)
+    crisp_out(panel, limb(panel, x - 0.50, y + 0.292, x - 0.655, y + 0.318, 0.026, 0.019), skin)
+    crisp_out(panel, blot(panel, x - 0.475, y + 0.275, 0.062, 0.050), skin)
+    panel.blend(crisp(limb(panel, x - 0.505, y + 0.246, x - 0.465, y + 0.232, 0.016, 0.014)), skin * 0.82)
+    panel.blend(crisp(limb(panel, x - 0.50, y + 0.292, x - 0.65, y + 0.318, 0.020, 0.013)), skin)
+    crisp_out(panel, limb(panel, x - 0.11, y + 0.185, x - 0.38, y + 0.250, 0.082, 0.060), dress)
+    crisp_out(panel, limb(panel, x - 0.385, y + 0.250, x - 0.415, y + 0.258, 0.066, 0.064), apron)
 
 
 def company(panel, x, y, width, height, who, columns=2, **kept):
@@ -449,9 +492,9 @@ def way_sign(panel, x, y):
     panel.shade(panel.box(x - 0.44, y - 0.60, x + 0.60, y + 0.42, soft=0.07), 0.5)
     frame = panel.box_distance(x - 0.49, y - 0.52, x + 0.49, y + 0.49, round_by=0.06)
     wood = 0.78 + 0.34 * smoothstep(y - 0.5, y + 0.5, panel.sway_y) + 0.25 * (panel.grain(0.08, 141, stretch=0.3) - 0.5)
-    panel.blend(solid(frame), rgb("c98f3f") * wood[..., None])
-    panel.shade(solid(np.abs(frame + 0.055) - 0.010), 0.5)
-    field = solid(frame + 0.058)
+    panel.blend(crisp(frame), rgb("c98f3f") * wood[..., None])
+    panel.shade(crisp(np.abs(frame + 0.055) - 0.010), 0.5)
+    field = crisp(frame + 0.058)
     rise = smoothstep(y - 0.45, y + 0.45, panel.sway_y)
     panel.blend(field, mix(rgb("a03a4c"), rgb("3a1b40"), rise))
     panel.glow(field * 0.40 * np.exp(-np.hypot(panel.sway_x - x, (panel.sway_y - y - 0.06) * 1.2) / 0.24), PALETTE["ember"])
@@ -460,9 +503,9 @@ def way_sign(panel, x, y):
     head = panel.convex_distance([(x - 0.585, y - 0.27), (x - 0.15, y - 0.495), (x - 0.15, y - 0.045)])
     arrow = np.minimum(shaft, head)
     panel.shade(smoothstep(0.07, 0.0, arrow), 0.6)
-    panel.blend(solid(arrow - 0.028), rgb("3a1526"))
-    panel.blend(solid(arrow), mix(rgb("f79a2c"), rgb("ffed9c"), smoothstep(y - 0.46, y - 0.14, panel.sway_y)))
-    panel.glow(solid(np.abs(arrow + 0.022) - 0.006) * 0.5 * smoothstep(y - 0.28, y - 0.2, panel.sway_y), PALETTE["cream"])
+    panel.blend(crisp(arrow - 0.020), rgb("3a1526"))
+    panel.blend(crisp(arrow), mix(rgb("f79a2c"), rgb("ffed9c"), smoothstep(y - 0.46, y - 0.14, panel.sway_y)))
+    panel.glow(crisp(np.abs(arrow + 0.022) - 0.006) * 0.5 * smoothstep(y - 0.28, y - 0.2, panel.sway_y), PALETTE["cream"])
 
 
 def castle_device(panel, x, y):
@@ -475,13 +518,13 @@ def castle_device(panel, x, y):
     walls += [part(side - 0.075, 0, side + 0.075, 0.285) for side in (-0.30, 0.30)]
     roofs = [peak(-0.30, 0.115, 0.275, 0.475), peak(0.30, 0.115, 0.275, 0.475), peak(0.0, 0.155, 0.325, 0.535)]
     wall, roof = np.minimum.reduce(walls), np.minimum.reduce(roofs)
-    panel.blend(solid(np.minimum(wall, roof) - 0.016), rgb("2a1020"))
-    panel.blend(solid(wall), mix(rgb("fff1d0"), rgb("d9b48c"), smoothstep(x - 0.3, x + 0.4, panel.sway_x)))
-    panel.blend(solid(roof - 0.006), mix(rgb("e2803a"), rgb("8c3348"), smoothstep(x - 0.05, x + 0.07, panel.sway_x)))
+    panel.blend(crisp(np.minimum(wall, roof) - 0.016), rgb("2a1020"))
+    panel.blend(crisp(wall), mix(rgb("fff1d0"), rgb("d9b48c"), smoothstep(x - 0.3, x + 0.4, panel.sway_x)))
+    panel.blend(crisp(roof - 0.006), mix(rgb("e2803a"), rgb("8c3348"), smoothstep(x - 0.05, x + 0.07, panel.sway_x)))
     gate = panel.arch_distance(x, y, 0.12, 0.17)
-    panel.blend(solid(gate), rgb("4a1a2c"))
+    panel.blend(crisp(gate), rgb("4a1a2c"))
     for at, level in ((-0.30, 0.15), (0.30, 0.15), (0.0, 0.225)):
-        panel.blend(solid(panel.box_distance(x + at - 0.018, y + level, x + at + 0.018, y + level + 0.065)), rgb("4a1a2c"))
+        panel.blend(crisp(panel.box_distance(x + at - 0.018, y + level, x + at + 0.018, y + level + 0.065)), rgb("4a1a2c"))
 
 
 def hall_gable():
@@ -522,19 +565,52 @@ def charred_wood():
     panel.shade(smoothstep(0.4, 0.7, panel.grain(0.3, 1)), 0.4)
     crack = smoothstep(0.60, 0.74, panel.grain(0.16, 2, stretch=2.5)) * smoothstep(1.1, 0.1, panel.sway_y)
     panel.blend(crack, PALETTE["ember"])
-    panel.glow(0.40 * smoothstep(0.7, 0.0, panel.y), PALETTE["ember"])
+    bed = smoothstep(0.95, 0.25, panel.sway_y + 0.5 * (panel.grain(0.2, 4) - 0.5))
+    panel.blend(bed, mix(PALETTE["ember"], rgb("ffd070"), smoothstep(0.45, 0.65, panel.grain(0.14, 5))))
+    panel.glow(0.45 * smoothstep(1.3, 0.2, panel.y), PALETTE["ember"])
     panel.blend(smoothstep(1.42, 1.46, panel.sway_y) * (0.5 + 0.5 * panel.grain(0.1, 3)), PALETTE["plaster_dark"] * 0.55)
     return panel
 
 
-def embers():
-    panel = Panel(4.4, 3.4, ROOF_DENSITY * 0.7, 17)
-    lumps = panel.grain(0.42, 1, octaves=3)
-    veins = smoothstep(0.13, 0.0, np.abs(lumps - 0.5))
-    panel.picture = np.ones_like(panel.picture) * CHAR * 1.3
-    panel.mottle(0.1, 0.3, 2)
-    panel.glow(0.55 * smoothstep(2.0, 0.2, np.hypot(panel.x, panel.y - 1.7)), PALETTE["ember"])
-    panel.blend(veins, mix(PALETTE["ember"], rgb("ffe08a"), smoothstep(0.5, 1.0, veins)))
+def hurdle():
+    """A fence of woven rods between stakes, dark where they part."""
+    panel = Panel(1.3, 0.92, WALL_DENSITY, 17)
+    course, stake = panel.sway_y / 0.105, panel.sway_x / 0.325
+    row = np.floor(course).astype(int)
+    bulge = np.cos(np.pi * (stake + row))                     # a rod runs before every other stake
+    rise = np.abs(course - row - 0.5) * 2
+    tone = (0.62 + 0.40 * bulge) * (1.05 - 0.75 * rise ** 2) * (0.85 + 0.3 * panel.grain(0.05, 1, stretch=0.2))
+    panel.picture = rgb("b08a58") * np.clip(tone, 0.12, 1.2)[..., None]
+    post = np.abs(stake - np.round(stake)) * 0.325
+    before = smoothstep(0.2, -0.2, np.cos(np.pi * (np.round(stake) + row)))
+    panel.blend(smoothstep(0.048, 0.030, post) * before, rgb("7a5636") * (1.1 - 4 * post)[..., None])
+    panel.shade(smoothstep(0.25, 0.0, panel.y), 0.55)
+    panel.glow(smoothstep(0.70, 0.79, panel.y) * 0.25, PALETTE["plaster"])
+    panel.planting(0.30)
+    return panel
+
+
+def barrel():
+    """Half of a rain barrel's staves, unrolled."""
+    panel = Panel(1.5, 0.92, WALL_DENSITY, 23)
+    panel.planks(0.19, PALETTE["oak"] * 1.45)
+    belly = np.abs(panel.y / 0.92 - 0.5) * 2
+    panel.shade(belly ** 2, 0.62)
+    for y in (0.10, 0.30, 0.66, 0.84):
+        panel.shade(panel.box(-2, y - 0.05, 2, y + 0.055, soft=0.03), 0.6)
+        panel.blend(panel.box(-2, y - 0.028, 2, y + 0.032, soft=0.012), rgb("54535c"))
+        panel.blend(panel.box(-2, y + 0.012, 2, y + 0.032, soft=0.010), rgb("8c8a90"))
+    panel.ground_dirt(0.25, 0.8)
+    return panel
+
+
+def barrel_top():
+    """Water in a barrel shows the evening."""
+    panel = Panel(0.96, 0.96, WALL_DENSITY * 0.8, 24)
+    away = np.hypot(panel.x, panel.y - 0.48)
+    panel.planks(0.12, PALETTE["oak"] * 1.7)
+    panel.blend(smoothstep(0.36, 0.34, away), mix(rgb("39304a"), rgb("d98a6a"), smoothstep(0.2, 0.8, panel.y)))
+    panel.shade(smoothstep(0.05, 0.0, np.abs(away - 0.35)), 0.45)
     return panel
 
 
@@ -589,9 +665,9 @@ def cupola():
     return panel
 
 
-PANELS = [plum_roof, hall_gable, jetty, cupola, cottage_side, soffit, sign, flue, inn_side, embers, burnt_beam,
-          inn_ground_side, inn_gable, charred_wood, slate_roof, thatch_slope, cottage_gable, chimney, thatch_edge,
-          inn_ground_front, bargeboard]
+PANELS = [barrel, plum_roof, hall_gable, flue, inn_side, jetty, cupola, cottage_side, soffit, burnt_beam,
+          inn_ground_side, barrel_top, inn_gable, charred_wood, thatch_edge, slate_roof, chimney, cottage_gable, sign,
+          inn_ground_front, bargeboard, hurdle, thatch_slope]
 
 
 def picture():
@@ -757,7 +833,23 @@ def hall(atlas):
     tower = Builder(atlas)
     lantern_turret(tower, 3.1, m["ridge_y"])
     mesh.add(tower.mesh)
-    return settled(mesh.turned(90).moved(x=m["middle"]), 0.25)
+    mesh = mesh.turned(90).moved(x=m["middle"])
+    corner = alley_fence(atlas)
+    return settled(mesh.add(corner, corner.scaled(z=-1)), 0.25)
+
+
+def alley_fence(atlas):
+    """A hurdle and a rain barrel in front of the alley at the -x end, where the footprint ends."""
+    b = Builder(atlas)
+    west, east, z, radius, tall = -5.18, -4.0, 4.47, 0.43, 0.72
+    b.wall("hurdle", [(west, 0, z), (east, 0, z), (east, 0.80, z), (west, 0.80, z)], (0, 0, 1), ((west + east) / 2, 0, z))
+    rim = ring(radius, tall, 6, -4.52, z)[3:] + ring(radius, tall, 6, -4.52, z)[:1]
+    foot = [p * np.array((1, 0, 1)) for p in map(np.array, rim)]
+    for k in range(3):
+        b.mesh.face([foot[k], foot[k + 1], rim[k + 1], rim[k]],
+                    b.atlas.strip("barrel", [foot[k], foot[k + 1], rim[k + 1], rim[k]], k * radius), "barrel")
+    b.wall("barrel_top", rim, (0, 1, 0), (-4.52, tall, z + 0.48))
+    return b.mesh
 
 
 def hall_long_side(atlas, m, top):
@@ -795,21 +887,16 @@ RAFTERS = [((1.9, 3.5, 1.35), (0.30, 6.1, 1.30), 0.6), ((-1.9, 3.5, 0.55), (-0.0
            ((1.7, 3.2, -0.35), (0.35, 5.2, -0.95), 0.0)]
 
 
-def crater(b, ring, floor):
-    """Slanting sides from the gap's edge down to a floor of embers."""
-    count = len(ring)
-    bottom = [np.array((floor[0] + (p[0] - floor[0]) * 0.62, floor[1], floor[2] + (p[2] - floor[2]) * 0.72)) for p in ring]
-    middle = np.mean(bottom, axis=0)
+def crater(b, ring, heart):
+    """Slanting sides from the gap's edge down to one place, where all glows."""
     run = 0.0
-    for i in range(count):
-        j = (i + 1) % count
-        quad = [bottom[i], bottom[j], ring[j], ring[i]]
-        inward = middle + (0, 1.2, 0) - np.mean(quad, axis=0)
-        points = outward(quad, inward)
-        b.mesh.face(points, b.atlas.strip("charred_wood", points, run % 1.3))
-        run += np.linalg.norm(bottom[j] - bottom[i])
-    for triangle in ears([(p[2], p[0]) for p in bottom]):
-        b.wall("embers", [bottom[k] for k in triangle], (0, 1, 0), middle + (0, 0, 1.7))
+    for p, q in zip(ring, ring[1:] + ring[:1]):
+        wide = 0.6 * np.linalg.norm(q - p)
+        left, right, high_right, high_left = b.atlas.strip(
+            "charred_wood", [(0, 0, 0), (wide, 0, 0), (wide, 1, 0), (0, 1, 0)], run % 1.3)
+        foot = (left[0] + right[0]) / 2, left[1]
+        b.face_towards([heart, q, p], [foot, high_right, high_left], heart + (0, 1.2, 0) - (p + q) / 2)
+        run += wide
 
 
 def rafter(b, foot, tip, end):

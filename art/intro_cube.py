@@ -580,7 +580,7 @@ def keys_sheet(fonts):
             ([(None, "")], "move it to look around"),
             ([(None, "left"), " ", (None, "right")], "hold to zoom in, out"),
             ([("Esc",)], "back to the title")]
-    size, first, step, split = 46, 158, 54, PANEL * 0.385
+    size, first, step, split = 46, 154, 52, PANEL * 0.385
     for i, (keys, text) in enumerate(rows):
         row = Row(picture, fonts, first + step * i, size, INK)
         picture = row.left(keys, split - 18 - sum(map(row.width, keys)))
@@ -605,12 +605,12 @@ def battle_sheet(fonts):
     picture = rule(picture, 310, 120)
     moves = [("ATTACK", "takes 20 to 56"), ("DEFEND", "adds 20 health"), ("SPECIAL", "leaves 1 health, once")]
     for i, (name, effect) in enumerate(moves):
-        y = 348 + 42 * i
+        y = 342 + 41 * i
         picture = Row(picture, fonts, y, 44, RUBRIC, heavy=True).left([name], 40)
         picture = Row(picture, fonts, y, 48, INK).left([effect], 232)
-    picture = rule(picture, 450, 120)
-    picture = Row(picture, fonts, 490, 48, INK).centre(["Win when its health is gone."])
-    return Row(picture, fonts, 534, 48, INK).centre(["Nobody ever loses."])
+    picture = rule(picture, 442, 120)
+    picture = Row(picture, fonts, 480, 48, INK).centre(["Win when its health is gone."])
+    return Row(picture, fonts, 520, 48, INK).centre(["Nobody ever loses."])
 
 
 def story_sheet(fonts):

@@ -3,6 +3,10 @@
 Every texel is turned into the direction in which the eye in the middle of the
 town sees it, and its colour depends on that direction alone, so the pictures
 meet without a seam. Angles are in degrees; azimuth 0 looks along +x, 90 along +z.
+
+A player at the edge of the world sees the wall there at a grazing angle, its far end
+squeezed into a crease. What is bright or upright therefore stands in the middles of
+the walls; their corners have only haze, long low hills and hedges.
 """
 import sys
 from pathlib import Path
@@ -83,6 +87,17 @@ def direction_of(azimuth, height):
 def turn(azimuth, centre):
     """Signed difference of two azimuths, -180..180."""
     return (azimuth - centre + 180.0) % 360.0 - 180.0
+
+
+def calm(azimuth, first=30.0, full=17.0):
+    """1 about the box's corners, 0 farther than `first` degrees from them."""
+    return smoothstep(first, full, np.abs(turn(azimuth, 45.0 + 90.0 * np.round((azimuth - 45.0) / 90.0))))
+
+
+def level(azimuth):
+    """How much lower than in the middle of a wall that is seen which lies level along it, and lower
+    still about the corners, where every slope kinks."""
+    return np.cos(np.radians(turn(azimuth, 90.0 * np.round(azimuth / 90.0)))) * (1 - 0.45 * calm(azimuth, 40.0, 15.0))
 
 
 # ---- noise --------------------------------------------------------------
@@ -195,7 +210,11 @@ def cloud_colours(view):
 
 
 def paint_cloud(sky, view, cover, light):
-    """A cloud in three tones whose borders stay soft, like broad brush strokes."""
+    """A cloud in three tones whose borders stay soft, like broad brush strokes. None crosses a
+    corner of the box, where its lines would kink; behind the castle they reach farthest."""
+    behind = np.abs(turn(view.azimuth, 180.0)) < 45.0
+    still = np.where(behind, calm(view.azimuth, 34.0, 14.0), calm(view.azimuth, 42.0, 24.0))
+    cover = cover * (1 - still * smoothstep(52.0, 30.0, view.height))
     lit, body, shade = cloud_colours(view)
     tone = blend(shade, body, smoothstep(-0.32, 0.02, light))
     tone = blend(tone, lit, smoothstep(0.05, 0.5, light))
@@ -236,8 +255,7 @@ def cloud_banks(sky, view, noise, base, top, wide, tall, amount):
 
 
 # azimuth, lean (degrees sideways per degree up), height of the smoke, width
-PLUMES = [(38, 0.55, 15, 1.0), (74, 0.40, 11, 0.7), (112, 0.5, 19, 1.2), (158, 0.35, 13, 0.8),
-          (203, -0.45, 16, 1.1), (251, -0.5, 12, 0.8), (287, -0.35, 20, 1.3), (330, 0.4, 13, 0.9)]
+PLUMES = [(2, 0.45, 15, 1.0), (83, 0.40, 13, 0.8), (176, 0.35, 13, 0.8), (262, -0.45, 17, 1.1), (277, -0.30, 11, 0.7)]
 
 
 def smoke(sky, view, noise):
@@ -354,20 +372,20 @@ def ridge(panorama, top, shade):
 def far_ridge(azimuth):
     crests = 1.0 - np.abs(skyline(azimuth, 61, 7, 34, 0.8))     # pointed summits
     high = smoothstep(-0.7, 0.7, skyline(azimuth, 62, 2, 5, 1))
-    return 2.6 + 1.6 * skyline(azimuth, 1, 3, 20, 1.0) + (0.4 + 1.5 * crests) * high + \
-        0.10 * skyline(azimuth, 63, 40, 110, 0.5)
+    rough = (0.4 + 1.5 * crests) * high + 0.10 * skyline(azimuth, 63, 40, 110, 0.5)
+    return (2.6 + (1.6 * skyline(azimuth, 1, 3, 20, 1.0) + rough) * (1 - 0.85 * calm(azimuth))) * level(azimuth)
 
 
 def back_ridge(azimuth):
-    return 2.1 + 1.2 * skyline(azimuth, 6, 4, 40, 1.0)
+    return (1.9 + 1.2 * skyline(azimuth, 6, 4, 40, 1.0) * (1 - 0.8 * calm(azimuth))) * level(azimuth)
 
 
 def town_ridge(azimuth):
-    return 1.25 + 0.85 * skyline(azimuth, 2, 4, 40, 1.15)
+    return (1.15 + 0.85 * skyline(azimuth, 2, 4, 40, 1.15) * (1 - 0.8 * calm(azimuth))) * level(azimuth)
 
 
 def near_ridge(azimuth):
-    return 0.35 + 0.5 * skyline(azimuth, 3, 5, 30, 1.1)
+    return (0.35 + 0.5 * skyline(azimuth, 3, 5, 30, 1.1) * (1 - 0.7 * calm(azimuth))) * level(azimuth)
 
 
 def at(line, azimuth):
@@ -388,7 +406,8 @@ def treeline(azimuth, seed, size):
         steps = 0.10 * (np.ceil(away * 4) - away * 4) * away        # branches of a pointed one
         shape = np.where(pointed[tree], (1 - away) * 1.5 + steps, np.sqrt(1 - away ** 2))
         heads = np.maximum(heads, shape * (0.25 + tall[tree]) * size * 0.75)
-    return heads * smoothstep(-0.35, 0.3, skyline(azimuth, seed + 5, 4, 30, 0.7))
+    grown = smoothstep(-0.35, 0.3, skyline(azimuth, seed + 5, 4, 30, 0.7))
+    return heads * grown * (1 - 0.85 * calm(azimuth))
 
 
 def mountains(panorama):
@@ -608,19 +627,21 @@ def windmill(panorama, azimuth, foot, size, colours, rng):
 
 
 def flames(panorama, azimuth, foot, wide, rng):
-    """A fire in the country: tongues over a glow."""
-    panorama.shine(azimuth, foot + 0.25 * wide, 0.9 * wide, np.array([0.55, 0.20, 0.05]), 0.8)
-    for _ in range(9):
-        lean, middle = rng.normal() * 0.10, azimuth + rng.normal() * 0.42 * wide
-        tall, half = rng.uniform(0.35, 0.95) * wide, rng.uniform(0.07, 0.14) * wide
-        place, x, y = panorama.patch(middle, half * 3 + 0.2, foot - 0.2, foot + tall + 0.1)
-        rise = np.clip((y - foot + 0.1) / (tall + 0.1), 0, 1)
-        sway = lean * rise + 0.25 * half * np.sin(rise * 7 + middle * 20)
-        width = half * 2.0 * rise ** 0.4 * (1 - rise) ** 0.8 + 1e-3
-        away = np.abs(x - sway) / width
-        heat = np.clip(1.15 - away, 0, 1) * smoothstep(1.0, 0.6, rise)
-        colour = blend(np.array([0.90, 0.30, 0.07]), np.array([1.0, 0.86, 0.45]), smoothstep(0.35, 0.85, heat))
-        panorama.paint(place, colour, smoothstep(0.05, 0.30, heat) * 0.95)
+    """A fire over roofs: tapering tongues that meet below, the tallest in the middle, over a glow."""
+    panorama.shine(azimuth, foot + 0.3 * wide, 1.1 * wide, np.array([0.50, 0.19, 0.05]), 0.9)
+    tongues = []
+    for away in np.linspace(-0.62, 0.62, 9) + rng.uniform(-0.06, 0.06, 9):
+        tongues.append((wide * (0.35 + 1.25 * np.exp(-(away / 0.36) ** 2)) * rng.uniform(0.65, 1.15), away * wide))
+    for tall, away in sorted(tongues, reverse=True):
+        half, lean = (0.10 + 0.08 * tall / wide) * wide, 0.16 * tall - 0.35 * away
+        place, x, y = panorama.patch(azimuth + away, half + abs(lean) + 0.2, foot - 0.3, foot + tall + 0.1)
+        rise = np.clip((y - foot + 0.12 * wide) / (tall + 0.12 * wide), 0, 1)
+        sway = lean * rise ** 1.6 + 0.22 * half * np.sin(rise * 6 + away * 31)
+        width = half * (1 - rise) ** 0.9 * smoothstep(-0.25, 0.25, rise) + 1e-3
+        heat = np.clip(1.1 - np.abs(x - sway) / width, 0, 1) * smoothstep(1.0, 0.75, rise) * smoothstep(0.0, 0.12, rise)
+        tone = np.clip(heat * (1.15 - 0.75 * rise), 0, 1)
+        colour = blend(np.array([0.86, 0.26, 0.06]), np.array([1.0, 0.84, 0.42]), smoothstep(0.25, 0.80, tone))
+        panorama.paint(place, colour, smoothstep(0.04, 0.32, heat) * 0.95)
 
 
 def settlement(panorama, line, seed, places, size, colours_of, lit):
@@ -651,7 +672,7 @@ def settlement(panorama, line, seed, places, size, colours_of, lit):
             else:
                 tree(panorama, here, foot, grown * rng.uniform(0.6, 1.0), (leaf, leaf_rim), rng)
         if kind == "burning":
-            flames(panorama, azimuth, at(line, azimuth) - 0.1 * size, size * 1.3, rng)
+            flames(panorama, azimuth, at(line, azimuth) + 0.45 * size, size * 1.2, rng)
 
 
 def far_colours(side):
@@ -672,13 +693,12 @@ def near_colours(side):
 
 # fmt: off
 FAR_PLACES = [
-    (20, "town"), (57, "hamlet"), (74, "burning"), (100, "hamlet"), (122, "town"), (158, "burning"), (172, "hamlet"),
-    (203, "burning"), (222, "town"), (251, "burning"), (268, "hamlet"), (290, "hamlet"), (318, "town"), (345, "hamlet"),
+    (14, "town"), (-13, "hamlet"), (77, "burning"), (92, "hamlet"), (104, "town"), (168, "hamlet"), (182, "burning"),
+    (193, "town"), (255, "hamlet"), (270, "burning"), (284, "hamlet"), (-3, "hamlet"),
 ]
 NEAR_PLACES = [
-    (8, "farm"), (22, "hamlet"), (38, "burning"), (63, "mill"), (88, "hamlet"), (112, "burning"), (140, "farm"),
-    (187, "mill"), (212, "farm"), (226, "farm"), (238, "hamlet"), (262, "farm"), (287, "burning"), (306, "mill"),
-    (317, "farm"), (330, "burning"), (352, "hamlet"),
+    (5, "farm"), (-9, "hamlet"), (17, "mill"), (73, "mill"), (86, "burning"), (99, "hamlet"), (163, "farm"),
+    (175, "hamlet"), (190, "mill"), (253, "farm"), (263, "burning"), (276, "hamlet"), (287, "mill"), (-17, "farm"),
 ]
 # fmt: on
 
@@ -726,7 +746,9 @@ def meadows(panorama):
     for _ in range(52):  # clumps of trees on and below the ridge
         azimuth, drop = rng.uniform(0, 360), rng.random() ** 2 * 0.55
         for _ in range(rng.integers(2, 8)):
-            things.append((azimuth + rng.normal() * 1.6, drop + rng.uniform(0, 0.10)))
+            place = azimuth + rng.normal() * 1.6, drop + rng.uniform(0, 0.10)
+            if calm(place[0]) < 0.15:
+                things.append(place)
     for azimuth, drop in sorted(things, key=lambda t: t[1]):
         colours = tuple(c[0] for c in leaf[int(azimuth) % 360])
         size = rng.uniform(0.55, 1.0) * (1 + 0.5 * drop)
@@ -771,6 +793,8 @@ def stars(name, view):
         tint = mix(rgb("ffe2c0"), rgb("c8d8ff"), rng.random())
         away = -direction @ np.array([SUN[0], -0.9, SUN[2]])  # first stars: far from the sun, or high
         strength *= smoothstep(-0.15, 0.75, away)
+        azimuth = np.degrees(np.arctan2(direction[2], direction[0]))
+        strength *= 1 - calm(azimuth) * (direction[1] < 0.3)
         spot = texel_of(name, direction)
         if spot is None or strength < 0.03:
             continue

@@ -111,11 +111,14 @@ def tree():
         tip = middle + (side * 0.35 - bend * 0.25) * 1.1 + (0, rng.uniform(0.75, 1.15), 0)
         thick = LIMBS[limb_index][1] * (0.62 if at == 1 else 0.46)
         mesh.add(limb([start, middle, tip], [thick, thick * 0.6, 0], sides=3, turn=rng.random()))
-    spikes = [(0, 3), (1, 3), (2, 3), (3, 3), (4, 3), (3, 1), (4, 1), (1, 2)]
+    spikes = [(0, 3), (1, 3), (2, 3), (4, 3)]
     for limb_index, at in spikes:
         start = np.array(LIMBS[limb_index][0][at])
         tip = start + rng.normal(size=3) * (0.55, 0.12, 0.55) + (0, 0.75, 0)
         mesh.add(limb([start, tip], [LIMBS[limb_index][1] * 0.34, 0], sides=3, turn=rng.random()))
+    for angle in np.radians((20, 95, 160, 235, 305)):  # roots as wide as what stops a walker
+        out = np.array((np.cos(angle), 0, np.sin(angle)))
+        mesh.add(limb([out * 0.28 + (0, -3.08, 0), out * 1.02 + (0, -3.58, 0)], [0.27, 0], sides=3, turn=angle))
     return balanced(mesh)
 
 
@@ -423,18 +426,18 @@ def fern(wood, rng, x, z, size, fronds=5):
 def deep_wood(wood, rng):
     """The painted depth of the wood, drawn round both ends, and far conifers that look over it.
 
-    The picture goes once round in 14.2 units, so that its thicket stands in the middle and at both
-    corners; there it is folded to and fro, and the ends are closed.
+    The picture goes once round in 28.4 units, so that nothing on it shows twice; its thicket closes
+    both ends.
     """
     # fmt: off
     west = [  # x, z, how far from the middle on the picture, height
-        (-13.5, -4.4, -15.8, 6.8), (-13.6, -1.2, -12.8, 8.4), (-13.4, 2.6, -15.6, 7.6), (-11.8, 4.5, -13.2, 8.9),
+        (-13.5, -4.4, -19.4, 6.8), (-13.6, -1.2, -16.2, 8.4), (-13.4, 2.6, -12.4, 7.2), (-11.8, 4.5, -10.0, 8.9),
     ]
     # fmt: on
-    back = [(x, 4.5, x * 13.2 / 11.8, 8.9 if i % 2 else 8.3) for i, x in enumerate(np.linspace(-6.9, 6.9, 4))]
+    back = [(x, 4.5, x, tall) for x, tall in ((-7.4, 6.9), (-2.9, 8.8), (1.6, 7.1), (7.7, 8.6))]
     track = west + back + [(-x, z, -s, tall) for x, z, s, tall in west[::-1]]
     wood.hearts["deep"] = (np.array((0.0, -30.0, 50.0)), 0.75)
-    on_picture = lambda s, y: (s / 14.2, place(DEEP, 0, 1 - y / 9.0)[1])
+    on_picture = lambda s, y: (s / 28.4 + 0.5, place(DEEP, 0, 1 - y / 9.0)[1])
     for i, ((ax, az, a_on, a_top), (bx, bz, b_on, b_top)) in enumerate(zip(track, track[1:])):
         corners = [(bx, 0, bz), (ax, 0, az), (ax, a_top, az), (bx, b_top, bz)]
         wood.face(corners, [on_picture(b_on, 0), on_picture(a_on, 0), on_picture(a_on, a_top), on_picture(b_on, b_top)], "deep")
@@ -442,12 +445,12 @@ def deep_wood(wood, rng):
         for _ in range(0 if i in (1, len(track) - 3) else 1):
             t = rng.uniform(0.2, 0.8)
             middle = np.array((ax + (bx - ax) * t, 0, az + (bz - az) * t)) - out / np.linalg.norm(out) * 0.08
-            spire(wood, rng, tuple(middle), out, rng.uniform(11.0, 17.0), rng.uniform(1.6, 2.1), rng.uniform(4.8, 6.0))
+            spire(wood, rng, tuple(middle), out, rng.uniform(9.6, 13.0), rng.uniform(2.2, 3.0), rng.uniform(4.8, 6.0))
     for side in (-1, 1):  # sprays of leaves over the upright edges
         for low, high, reach in ((0.2, 2.5, 0.9), (1.9, 4.6, 1.3), (4.0, 6.8, 1.0)):
             x, z, middle = side * 13.5, -4.3, rng.uniform(0.3, 0.5) * (high - low) + low
             points = [(x, low, z), (x, high, z), (x + side * rng.uniform(-0.1, 0.3), middle, z - reach)]
-            uvs = [on_picture(side * s, y) for s, y in ((14.0, low), (14.0, high), (14.0 + reach, middle))]
+            uvs = [on_picture(side * s, y) for s, y in ((19.3, low), (19.3, high), (19.3 + reach, middle))]
             wood.face(points if side < 0 else points[::-1], uvs if side < 0 else uvs[::-1], "deep")
 
 
@@ -457,11 +460,11 @@ def canopy(wood, rng):
     xs = np.linspace(-13.2, 13.2, count)
     place_of = lambda x, lo, hi, z: np.array((x, rng.uniform(lo, hi), z + rng.uniform(-0.5, 0.5)))
     low = [place_of(x, *((4.5, 5.0) if i % 2 else (5.0, 5.6)), -1.2) for i, x in enumerate(xs)]
-    high = [place_of(x, *((8.2, 9.6) if i % 2 else (7.0, 7.8)), -0.6) for i, x in enumerate(xs)]
+    high = [place_of(x, *((8.2, 10.8) if i % 2 else (7.0, 7.6)), -0.6) for i, x in enumerate(xs)]
     wood.hearts["canopy"] = (np.array((0.0, 3.0, 9.0)), 0.55)
     for i in range(count - 1):
         s = [abs((k + 3) % 6 - 3) / 3 for k in (i, i + 1)]  # to and fro on the picture
-        notch = (high[i] + high[i + 1]) / 2 - (0, rng.uniform(0.2, 0.9), 0)
+        notch = (high[i] + high[i + 1]) / 2 - (0, rng.uniform(0.2, 0.65), 0)
         corners = [low[i + 1], low[i], high[i], notch, high[i + 1]]
         uvs = [place(CANOPY, s[1], 1 - 0.25 * (i % 2)), place(CANOPY, s[0], 0.75 + 0.25 * (i % 2)),
                place(CANOPY, s[0], 0.2 - 0.2 * (i % 2)), place(CANOPY, (s[0] + s[1]) / 2, 0.25),
@@ -476,9 +479,9 @@ def forest():
     canopy(wood, rng)
     # fmt: off
     front = [  # boughs in a conifer's tiers, None for a round tree; x, z, height, half width
-        ((5, 5, 4, 3), -14.8, -7.4, 11.5, 1.9), (None, -11.2, -8.4, 8.4, 2.6), ((5, 4, 4, 3, 3), -7.0, -8.0, 13.0, 2.1),
-        (None, -2.6, -8.7, 8.8, 2.7), ((5, 4, 4, 3, 3), 1.6, -7.6, 11.2, 2.0), (None, 5.8, -8.5, 7.8, 2.5),
-        ((5, 4, 4, 3, 3), 10.6, -8.2, 13.5, 2.1), (None, 14.0, -7.4, 8.0, 2.4),
+        ((5, 5, 4, 3), -14.4, -7.4, 10.8, 2.2), (None, -11.6, -8.4, 9.9, 2.1), ((5, 4, 4, 3, 3), -8.0, -7.7, 12.4, 2.7),
+        (None, -2.9, -8.8, 7.3, 3.3), ((5, 4, 4, 3, 3), 2.2, -7.6, 10.4, 2.6), (None, 5.2, -8.3, 9.0, 2.3),
+        ((5, 4, 4, 3, 3), 9.4, -8.2, 12.9, 2.8), (None, 13.7, -7.6, 7.2, 2.7),
     ]
     # fmt: on
     for i, (tiers, x, z, tall, wide) in enumerate(front):
@@ -716,7 +719,7 @@ def furrowed(region, seed, tones, grain, tall, moss_height):
 
 def stood(picture, foot):
     """Darker at the ground and under the crown."""
-    shade = (1 - 0.55 * smoothstep(0.05, 0.0, foot)) * (1 - 0.50 * smoothstep(0.60, 0.95, foot))
+    shade = (1 - 0.55 * smoothstep(0.05, 0.0, foot)) * (1 - 0.82 * smoothstep(0.52, 0.90, foot))
     return picture * shade[..., None]
 
 
@@ -752,8 +755,9 @@ def depth(region, seed):
 
     Where its edges meet, a thicket closes it up to the roof.
     """
-    brush = Brush(region, seed, rgb("000000"))
+    brush = Brush(region, seed, rgb("000000"), 2)
     rng, (_, _, width, height) = brush.rng, region
+    width *= 2
     up = 1 - brush.y / height
     w, h = brush.width, brush.height
     brush.picture = mist(up + 0.08 * (noise(w, w, 6, 3, seed + 1)[:h] - 0.5))
@@ -788,29 +792,29 @@ def depth(region, seed):
     def thicket(count, low, high, glow):
         """Leaves about the place where the edges meet, between two heights (0..1) from above."""
         for t in np.sort(rng.random(count)):  # the nearer clusters lower
-            x = rng.uniform(-1, 1) * (165 + 25 * np.sin(9 * t) + 10 * np.sin(31 * t))
+            x = rng.uniform(-1, 1) * (400 + 25 * np.sin(9 * t) + 10 * np.sin(31 * t))
             y = low + (high - low) * t + 0.05 * np.sin(x / 23)
             puff(brush, x % width, height * y, rng.uniform(13, 22), 7, SHADE, glow * rng.uniform(0.75, 1.15))
 
     haze = [rgb("33252c"), rgb("54343a"), rgb("7a4743")]
-    for _ in range(34):  # the far trees
+    for _ in range(62):  # the far trees
         stem(rng.random() * width, rng.uniform(3, 8), rgb("6a4444"), 0.3, 0.55)
-    crowns(lambda x: 0.55 + 0.04 * wave(x, 5) + 0.02 * wave(x, 13, 2), haze, 420, 13, 6, 0.9)
-    growth(0.17, [rgb("53302c"), rgb("7a452f"), rgb("a86138")], 200, 9, 6, 0.9, 0.4)
-    for _ in range(15):  # the middle ones
+    crowns(lambda x: 0.55 + 0.04 * wave(x, 5) + 0.02 * wave(x, 13, 2), haze, 760, 13, 6, 0.9)
+    growth(0.17, [rgb("53302c"), rgb("7a452f"), rgb("a86138")], 370, 9, 6, 0.9, 0.4)
+    for _ in range(27):  # the middle ones
         stem(rng.random() * width, rng.uniform(9, 15), rgb("3a2a2c"), 0.5, 0.25)
-    growth(0.14, [rgb("221c1a"), rgb("43301f"), rgb("6e4c2a")], 200, 11, 7, 0.9, 2.0)
-    for k in range(7):  # the near ones
-        stem((k + rng.uniform(0.2, 0.8)) * width / 7, rng.uniform(19, 30), rgb("2a2020"), 0.7, 0.03)
-    crowns(lambda x: 0.43 + 0.07 * wave(x, 4, 1) + 0.035 * wave(x, 11), SHADE, 520, 17, 7, 0.8)
+    growth(0.14, [rgb("221c1a"), rgb("43301f"), rgb("6e4c2a")], 370, 11, 7, 0.9, 2.0)
+    for k in range(12):  # the near ones
+        stem((k + rng.uniform(0.2, 0.8)) * width / 12, rng.uniform(19, 30), rgb("2a2020"), 0.7, 0.03)
+    crowns(lambda x: 0.43 + 0.07 * wave(x, 4, 1) + 0.035 * wave(x, 11), SHADE, 960, 17, 7, 0.8)
     aside = np.abs((brush.x + width / 2) % width - width / 2)
-    brush.picture = mix(brush.picture, SHADE[0], smoothstep(140, 118, aside))
-    thicket(380, 0.0, 1.0, 0.42)
-    for x in (-62, 24, 96):
+    brush.picture = mix(brush.picture, SHADE[0], smoothstep(375, 350, aside))
+    thicket(880, 0.0, 1.0, 0.42)
+    for x in (-330, -215, -62, 74, 146, 318):
         stem(x % width, rng.uniform(17, 24), rgb("33272a"), 0.12, 0.0)
-    thicket(210, 0.0, 0.40, 0.80)
-    thicket(190, 0.66, 1.0, 0.90)
-    growth(0.12, SHADE, 330, 13, 7, 0.95, 4.1)
+    thicket(480, 0.0, 0.40, 0.80)
+    thicket(440, 0.66, 1.0, 0.90)
+    growth(0.12, SHADE, 610, 13, 7, 0.95, 4.1)
     foot = smoothstep(0.055, 0.0, up + 0.02 * (noise(w, w, 60, 2, seed + 3)[:h] - 0.5))
     brush.picture = mix(brush.picture, rgb("14100d"), 0.9 * foot)
     return brush.kept()
@@ -827,14 +831,14 @@ def forest_picture():
     green = [rgb("1c2a24"), rgb("35543e"), rgb("55784e"), rgb("8b9c5c"), rgb("b4b87a")]
     scrub = [rgb("1c2118"), rgb("374322"), rgb("5a672f"), rgb("88893f"), rgb("aca258")]
     put(DEEP, depth(DEEP, 75))
-    crown_light = lambda t: max(0.48, 1.75 - 2.3 * t)
+    crown_light = lambda t: max(0.60, 1.75 - 2.1 * t)
     put(LEAVES, clumps(LEAVES, 73, copper, 54, 7, crown_light, (rgb("c87036"), rgb("b8a04a"))).kept() * 1.2)
     put(BARK, furrowed(BARK, 76, [rgb("1d1614"), rgb("4a382c"), rgb("846a50"), rgb("c09d74"), rgb("dcbf95")], 9, 5.0, 0.42))
     put(SCALES, scaly(SCALES, 77, [rgb("1e1414"), rgb("5a382e"), rgb("8c5c46"), rgb("bd8862"), rgb("d6aa84")]))
     for seed, region in zip((72, 78), BOUGHS):
         put(region, bough(region, seed, green))
     put(SCRUB, clumps(SCRUB, 74, scrub, 44, 8, lambda t: 1.45 - 1.10 * t, (rgb("8a7038"),)).kept() * 1.2)
-    put(CANOPY, clumps(CANOPY, 79, SHADE, 46, 8, lambda t: 1.35 - 0.7 * t).kept())
+    put(CANOPY, clumps(CANOPY, 79, SHADE, 46, 8, lambda t: 1.35 - 0.9 * t + 2.6 * max(0, t - 0.72)).kept())
     put(FERN, frond(FERN, 81, scrub))
     return picture
 
