@@ -6,6 +6,7 @@ Usage: browser_window.py chromium|firefox|webkit [SITE]
 SITE is the folder that tools/web makes; without it, the current one.
 """
 
+import contextlib
 import pathlib
 import queue
 import signal
@@ -16,9 +17,15 @@ from browsers import BROWSERS, browser
 from site_server import SiteServer
 
 REPORTS = pathlib.Path(__file__).with_name("page_reports.js")
-# No window manager does that.
-TAKE_DISPLAY = ("xdotool search --sync --onlyvisible --limit 1 --name Talvery "
+TAKE_DISPLAY = ("xdotool search --onlyvisible --limit 1 --name Talvery "
                 "windowmove 0 0 windowsize 100% 100% windowfocus").split()
+
+
+def take_display():
+    """As a window manager would. A window that is new may go back to a size of its own, so this is
+    done again when the game runs."""
+    with contextlib.suppress(subprocess.TimeoutExpired):
+        subprocess.run(TAKE_DISPLAY, stderr=subprocess.DEVNULL, timeout=10, check=False)
 
 
 def play(name, site):
@@ -34,9 +41,9 @@ def play(name, site):
                 state, words = path.strip("/"), words.decode()
                 if state == "console":
                     print(words, flush=True)
-                elif state == "loading":
-                    subprocess.Popen(TAKE_DISPLAY)  # some windows never tell it that they have
-                elif state != "running":
+                elif state in ("loading", "running"):
+                    take_display()
+                else:
                     return words
     return f"{name} ended"
 

@@ -35,6 +35,10 @@ user_pref("datareporting.policy.dataSubmissionEnabled", false);
 user_pref("toolkit.telemetry.reportingpolicy.firstRun", false);
 """
 
+# Without a window manager it does not always draw all of a window that has grown.
+FIREFOX_WINDOW = """{"chrome://browser/content/browser.xhtml": {"main-window": {
+    "screenX": "0", "screenY": "0", "width": "1280", "height": "1024", "sizemode": "normal"}}}"""
+
 
 def _chromium(profile, address):
     # On a display, Mesa draws three times as fast as Chromium's own software does.
@@ -45,6 +49,7 @@ def _chromium(profile, address):
 
 def _firefox(profile, address):
     pathlib.Path(profile, "user.js").write_text(FIREFOX_PREFERENCES, encoding="ascii")
+    pathlib.Path(profile, "xulstore.json").write_text(FIREFOX_WINDOW, encoding="ascii")
     return ["firefox-esr", "--no-remote", "--kiosk", "--profile", profile, address]
 
 

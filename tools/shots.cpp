@@ -41,6 +41,8 @@ constexpr unsigned char ENTER = 13;
 constexpr float RADIANS = 0.017453292F;  // of one degree
 constexpr float LOWEST_EYE = 0.1F;       // above the ground, as when the player looks up
 constexpr int KINDLING = 600;            // updates until the fires burn
+constexpr int FLAME_PICTURES = 60;       // of each scene that is for looking at the fires
+constexpr int FLAME_UPDATES = 20;        // between two of them: most flames are others then
 
 std::string folder;
 std::string wanted;
@@ -138,6 +140,7 @@ void win() {
 
 constexpr unsigned COMPARED = 1;  // with a browser's
 constexpr unsigned FOLLOWS = 2;   // from the scene above it, which has to be played before it
+constexpr unsigned BURNS = 4;     // and is for looking at the fires, again and again
 
 struct Scene {
     const char *name;
@@ -159,7 +162,7 @@ const Scene SCENES[] = {
     {"start-near",             [] { zoomAtStart('1'); }, COMPARED},
     {"start-far",              [] { zoomAtStart('3'); }, COMPARED},
     {"start-middle",           [] { zoomAtStart('2'); }, COMPARED},
-    {"start",                   [] { stand(0, 0, 0); }},
+    {"start",                   [] { stand(0, 0, 0); }, BURNS},
     {"start-back",              [] { stand(0, 5, 180); }},
     {"start-left",              [] { stand(0, 2, 90); }},
     {"start-right",             [] { stand(0, 2, 270); }},
@@ -167,7 +170,7 @@ const Scene SCENES[] = {
     {"street-49-east",          [] { stand(-46, 49, 270); }},
     {"street-27-west",          [] { stand(82, 27, 90); }},
     {"street-27-east",          [] { stand(-46, 27, 270); }},
-    {"street-05-west",          [] { stand(82, 5, 90); }, COMPARED},
+    {"street-05-west",          [] { stand(82, 5, 90); }, COMPARED | BURNS},
     {"street-05-east",          [] { stand(-46, 5, 270); }},
     {"street-17-west",          [] { stand(82, -17, 90); }},
     {"street-17-east",          [] { stand(-46, -17, 270); }},
@@ -195,7 +198,7 @@ const Scene SCENES[] = {
     {"forest-south-end",        [] { stand(-90, -52, 165); }},
     {"forest-from-behind",      [] { stand(-99, 56, 0); }},
     {"forest-by-the-castle",    [] { stand(-77, 18, 75); }},
-    {"tree",                    [] { stand(-6, 3, 60, 1, 0, 5); }},
+    {"tree",                    [] { stand(-6, 3, 60, 1, 0, 5); }, BURNS},
     {"tree-near",               [] { stand(30, 6, 0, 0.7F); }},
     {"cottage-front",           [] { stand(17, 22, 0); }},
     {"cottage-back",            [] { stand(17, 6, 180); }},
@@ -205,7 +208,7 @@ const Scene SCENES[] = {
     {"inn-back",                [] { stand(12, 8, 180); }},
     {"inn-east",                [] { stand(18, 24, 30); }},
     {"inn-west",                [] { stand(6, 24, 330); }},
-    {"hall-front",              [] { stand(4, 25, 0); }, COMPARED},
+    {"hall-front",              [] { stand(4, 25, 0); }, COMPARED | BURNS},
     {"hall-back",               [] { stand(4, 7, 180); }},
     {"hall-east",               [] { stand(12, 24, 40); }},
     {"hall-west",               [] { stand(-3, 24, 320); }},
@@ -298,9 +301,20 @@ void save(const std::string &name) {
     fflush(stdout);
 }
 
+void shootFlames(const Scene &scene) {
+    scene.show();
+    for (int i = 0; i < FLAME_PICTURES; ++i) {
+        pass(FLAME_UPDATES);
+        save(std::string(scene.name).append("-").append(std::to_string(i)));
+    }
+}
+
 void shootAll() {
     pass(KINDLING);
     for (const Scene &scene : SCENES) {
+        if (wanted == "--flames" && (scene.marks & BURNS) != 0) {
+            shootFlames(scene);
+        }
         if (isNeeded(&scene)) {
             scene.show();
         }
@@ -316,7 +330,7 @@ void shootAll() {
 int main(int argc, char **argv) {
     glutInit(&argc, argv);
     if (argc < 2) {
-        fprintf(stderr, "usage: shots FOLDER [NAME_PART | --compared]\n");
+        fprintf(stderr, "usage: shots FOLDER [NAME_PART | --compared | --flames]\n");
         return 2;
     }
     folder = argv[1];

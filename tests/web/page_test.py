@@ -435,16 +435,38 @@ class PageTest(unittest.TestCase):
         self.server.fault = lambda path: 503 if SITE.name in path else None
         self.open(kept=True)
 
-    def test_new_version_comes_with_the_next_visit(self):
+    def deploy(self):
+        """Puts a new version onto the server, whose page says so and which has one more file."""
+        page, worker = ((SITE / name).read_text(encoding="utf-8")
+                        for name in ("index.html", "service_worker.js"))
+        page = page.replace("<head>", "<head><meta name='version' content='new'>", 1)
+        worker = re.sub(r"index\.\w+\.html", "index.new.html", worker)
+        worker = worker.replace("FILES = '", "FILES = 'more.new.txt ", 1)
+        (self.over / SITE.name).mkdir()
+        for name, text in {"index.html": page, "index.new.html": page, "service_worker.js": worker,
+                           "more.new.txt": "more"}.items():
+            (self.over / SITE.name / name).write_text(text, encoding="utf-8")
+
+    def is_new(self):
+        return self.call("return document.querySelector('meta[name=version]') !== null")
+
+    def test_new_version_shows_when_it_is_there_as_a_whole(self):
         self.open()
         self.kept()
-        (self.over / SITE.name).mkdir()
-        page = (SITE / "index.html").read_text(encoding="utf-8")
-        (self.over / SITE.name / "index.html").write_text(
-            page.replace("<head>", "<head><meta name='generation' content='2'>", 1),
-            encoding="utf-8")
+        self.deploy()
+        self.server.fault = lambda path: "broken" if "more.new" in path else None
         self.open(kept=True)
-        self.assertTrue(self.call("return document.querySelector('meta[name=generation]')"))
+        WebDriverWait(self.browser, SECONDS).until(lambda _: self.asked("more.new"))
+        self.open(kept=True)
+        self.assertFalse(self.is_new())
+        self.server.fault = lambda path: None
+        self.open(kept=True)
+        self.assertFalse(self.is_new())
+        self.wait("the new version", """
+            return caches.match('./', {cacheName: 'talvery index.new.html'})""")
+        self.server.fault = lambda path: 503 if SITE.name in path else None
+        self.open(kept=True)
+        self.assertTrue(self.is_new())
 
     # --- What may go wrong -------------------------------------------------------------
 

@@ -1,6 +1,6 @@
 // The page round the game: loads its files, gives it the window, and says what happens.
 'use strict';
-/* global unpackPicture, keepGame */
+/* global unpackPicture */
 
 (() => {
 
@@ -165,7 +165,7 @@ function giveUp(failed) {
 // What the page itself names, and has not got.
 function missing() {
     const present = {'talvery.js': 'createTalvery' in window,
-        'pictures.js': 'unpackPicture' in window, 'offline.js': 'keepGame' in window,
+        'pictures.js': 'unpackPicture' in window,
         'page.css': getComputedStyle(canvas).position === 'fixed'};
     const reason = new WrongAnswer('it is missing, or the server forbids it');
     return Object.keys(present).filter((name) => !present[name]).map((name) => ({name, reason}));
@@ -194,7 +194,9 @@ async function start() {
         wake();
         canvas.focus();
         watchScene(game);
-        keepGame();
+        // The rest is fetched, and all is kept. A browser that keeps nothing, or a page that came
+        // over an open connection, goes without.
+        navigator.serviceWorker?.register('service_worker.js').catch(console.warn);
     }
     // The motions are read while the game runs; the rest only takes memory.
     FILES.filter(({name}) => /\.(bmp|obj)$/.test(name)).forEach(({name}) => game.FS.unlink(name));
@@ -253,6 +255,17 @@ if (navigator.keyboard?.lock) {
     byId('leaving').textContent =
         'In full screen, Escape goes to the game; hold it to leave full screen.';
 }
+
+// The game may be installed where the browser offers it, which the page says in one visit only.
+window.addEventListener('beforeinstallprompt', (offer) => {
+    offer.preventDefault();
+    byId('install').hidden = localStorage.getItem('install') !== null;
+    localStorage.setItem('install', 'offered');
+    byId('install').onclick = () => {
+        byId('install').hidden = true;
+        offer.prompt();
+    };
+});
 
 // The help may lie over the game, which keeps the keys; these are not among its own.
 canvas.addEventListener('keydown', ({key}) => {

@@ -1,11 +1,12 @@
-// Keeps a version of the site as a whole: what was loaded once plays without a network.
+// Keeps whole versions of the site: what was loaded once plays without a network.
 'use strict';
 
 const VERSION = 'talvery @index@';
 const FILES = '@kept@'.split(' ');
 
-// Before this version takes over, all of it is here. A name holds its content's hash: what the page
-// or an older version has kept is not fetched again, nor what had come when an update broke off.
+// A version is there as a whole when its page is, so that comes last. A name holds its content's
+// hash: what the page or an older version has kept is not fetched again, nor what had come when an
+// update broke off.
 async function install() {
     const cache = await caches.open(VERSION);
     const keep = async (path, source = path) => {
@@ -18,34 +19,41 @@ async function install() {
         }
         await cache.put(path, answer);
     };
-    await Promise.all([keep('./', '@index@'), ...FILES.map((path) => keep(path))]);
+    await Promise.all(FILES.map((path) => keep(path)));
+    await keep('./', '@index@');
 }
 
+async function versions() {
+    return (await caches.keys()).filter((name) => name.startsWith('talvery '));
+}
+
+// When this version's worker takes over, no page of another one is open.
 async function removeOthers() {
-    const others = (await caches.keys()).filter((name) =>
-        name.startsWith('talvery ') && name !== VERSION);
+    const others = (await versions()).filter((name) => name !== VERSION);
     await Promise.all(others.map((name) => caches.delete(name)));
 }
 
-// The page itself comes from the server where that answers, so it is never an old one; what it names,
-// from what is kept.
+// The page of the newest version that is there as a whole; this one's or that of the worker which
+// waits until no page is open any more.
+async function keptPage() {
+    const pages = (await versions()).map((cacheName) => caches.match('./', {cacheName}));
+    return (await Promise.all(pages)).findLast(Boolean);
+}
+
+// What the page names comes from what is kept, and so does the page, until it is loaded anew: it does
+// that by itself where a file is missing or damaged.
 async function answer(request) {
     const {pathname} = new URL(request.url);
     const isPage = [self.registration.scope, `${self.registration.scope}index.html`]
         .some((url) => new URL(url).pathname === pathname);
-    if (isPage) {
-        const page = await fetch(request).catch(() => undefined);
-        return page?.ok ? page : await caches.match('./') ?? page ?? Response.error();
+    const find = () => isPage ? keptPage() : caches.match(request);
+    if (['reload', 'no-cache'].includes(request.cache)) {
+        const answered = await fetch(request).catch(() => undefined);
+        return answered?.ok ? answered : await find() ?? answered ?? Response.error();
     }
-    // A page that found a file damaged asks for it anew.
-    const kept = request.cache === 'reload' ? undefined : await caches.match(request);
-    return kept ?? fetch(request);
+    return await find() ?? fetch(request);
 }
 
 self.addEventListener('install', (event) => event.waitUntil(install()));
 self.addEventListener('activate', (event) => event.waitUntil(removeOthers()));
-self.addEventListener('fetch', (event) => {
-    if (event.request.method === 'GET') {
-        event.respondWith(answer(event.request));
-    }
-});
+self.addEventListener('fetch', (event) => event.respondWith(answer(event.request)));
