@@ -57,6 +57,8 @@ wait_for() {
 # From the start of the program to its title.
 reach_title() {
     wait_for "the title" "" title_shown
+    # Without a window manager, freeglut's full screen begins at (1, 1).
+    xdotool search --limit 1 --name '^Talvery$' windowmove 0 0 || true
     xdotool mousemove 640 512
     sleep 1
     wait_for "the title without buttons" "" title_shown

@@ -335,7 +335,7 @@ class PageTest(unittest.TestCase):
                 self.emulate(width, height, 3, mobile=True)
                 cdp(self.browser, "Emulation.setTouchEmulationEnabled", enabled=True)
                 self.open()
-                self.step(1)
+                self.step(1, drawn=True)
                 self.play_by_touch(f"phone-{width}")
 
     def play_by_touch(self, name):
