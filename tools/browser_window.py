@@ -32,7 +32,7 @@ def play(name, site):
     """Returns the last words of the page, or of what stood in its way."""
     with SiteServer(site) as server:
         server.scripts.append(REPORTS)
-        with browser(name, server.address) as process:
+        with browser(name, server.address) as (process, complaints):
             while process.poll() is None:
                 try:
                     path, words = server.posted.get(timeout=1)
@@ -45,7 +45,7 @@ def play(name, site):
                     take_display()
                 else:
                     return words
-    return f"{name} ended"
+            return f"{name} ended: {complaints.read_text(errors='replace')[-500:]}"
 
 
 def main():

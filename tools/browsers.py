@@ -72,13 +72,16 @@ def environment(home):
 
 @contextlib.contextmanager
 def browser(name, address):
-    """The process of a browser that shows this address, until the `with` block ends."""
+    """The process of a browser that shows this address, until the `with` block ends, and the file
+    that its complaints go to."""
     with tempfile.TemporaryDirectory(prefix="talvery-", ignore_cleanup_errors=True) as home:
-        process = subprocess.Popen(BROWSERS[name](home, address), env=environment(home),
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                   start_new_session=True)
+        complaints = pathlib.Path(home, "complaints.txt")
+        with complaints.open("wb") as out:
+            process = subprocess.Popen(BROWSERS[name](home, address), env=environment(home),
+                                       stdout=subprocess.DEVNULL, stderr=out,
+                                       start_new_session=True)
         try:
-            yield process
+            yield process, complaints
         finally:
             # Its helpers with it.
             with contextlib.suppress(ProcessLookupError):

@@ -75,11 +75,12 @@ need() {
 }
 
 # on_virtual_display ARGUMENT...: starts this script again on a display of its own, drawn in
-# software; does nothing where it is on that one. SERVER_OPTIONS are the X server's.
+# software; does nothing where it is on that one. SERVER_OPTIONS are the X server's. It must not
+# start afresh when the last window or tool leaves: that would refuse a game just coming up.
 on_virtual_display() {
     [ "${TALVERY_DISPLAY:-}" != "$0" ] || return 0
     TALVERY_DISPLAY=$0 LIBGL_ALWAYS_SOFTWARE=1 exec xvfb-run --auto-servernum \
-        --server-args="-screen 0 1280x1024x24 -nolisten tcp ${SERVER_OPTIONS:-}" "$0" "$@"
+        --server-args="-screen 0 1280x1024x24 -nolisten tcp -noreset ${SERVER_OPTIONS:-}" "$0" "$@"
 }
 
 # packages PART...: what packages.txt lists in these parts.
