@@ -87,13 +87,18 @@ void call(void (*callback)(Arguments...), std::common_type_t<Arguments>... argum
 }
 
 void frame() {
+    const int shownHealth = std::max(health, 0) % 1000;
     recording::clear();
     recording::gl.window.display();
     requireNoFault();
     require(recording::gl.redisplays == 0, "a frame asks for the next one");
     require(recording::gl.drawings.back().kind == recording::SWAP, "a frame ends with the swap");
+    std::string before;
     for (const recording::Drawing &drawing : recording::gl.drawings) {
         ++reached[drawing.name];
+        require(before != "HEALTH:" || std::stoi(drawing.name) == shownHealth,
+                "the health that is shown");
+        before = drawing.name;
     }
     require(TalkMenu < DIALOGUE_LINES || Menu != TALK_BOX, "a line of a talk");
 }

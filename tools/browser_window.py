@@ -8,7 +8,6 @@ SITE is the folder that tools/web makes; without it, the current one.
 
 import contextlib
 import pathlib
-import queue
 import signal
 import subprocess
 import sys
@@ -29,23 +28,19 @@ def take_display():
 
 
 def play(name, site):
-    """Returns the last words of the page, or of what stood in its way."""
+    """Returns the last words of the page."""
     with SiteServer(site) as server:
         server.scripts.append(REPORTS)
-        with browser(name, server.address) as (process, complaints):
-            while process.poll() is None:
-                try:
-                    path, words = server.posted.get(timeout=1)
-                except queue.Empty:
-                    continue
+        with browser(name, server) as posted:
+            while True:
+                path, words = posted()
                 state, words = path.strip("/"), words.decode()
                 if state == "console":
                     print(words, flush=True)
-                elif state in ("loading", "running"):
+                elif state in ("off", "loading", "running"):
                     take_display()
                 else:
                     return words
-            return f"{name} ended: {complaints.read_text(errors='replace')[-500:]}"
 
 
 def main():

@@ -6,11 +6,14 @@ The profile is a fresh one, and nothing but this machine is asked for anything.
 
 import contextlib
 import glob
+import math
 import os
 import pathlib
+import queue
 import signal
 import subprocess
 import tempfile
+import time
 
 NOWHERE = "127.0.0.1:9"  # the proxy for all addresses but this machine's own
 
@@ -71,23 +74,34 @@ def environment(home):
 
 
 @contextlib.contextmanager
-def browser(name, address):
-    """The process of a browser that shows this address, until the `with` block ends, and the file
-    that its complaints go to."""
+def browser(name, server, page=""):
+    """Shows a page of the server's until the `with` block ends. Yields a function that returns the
+    next path and content that the page posts; where that takes longer than so many seconds it raises
+    TimeoutError, where the browser ends ChildProcessError, with the last of what it complained of."""
     with tempfile.TemporaryDirectory(prefix="talvery-", ignore_cleanup_errors=True) as home:
         complaints = pathlib.Path(home, "complaints.txt")
         with complaints.open("wb") as out:
-            process = subprocess.Popen(BROWSERS[name](home, address), env=environment(home),
-                                       stdout=subprocess.DEVNULL, stderr=out,
-                                       start_new_session=True)
+            process = subprocess.Popen(BROWSERS[name](home, server.address + page),
+                                       env=environment(home), stdout=subprocess.DEVNULL,
+                                       stderr=out, start_new_session=True)
+
+        def posted(patience=math.inf):
+            end = time.monotonic() + patience
+            while time.monotonic() < end:
+                with contextlib.suppress(queue.Empty):
+                    return server.posted.get(timeout=1)
+                if process.poll() is not None:
+                    last = complaints.read_text("utf-8", "replace")[-500:]
+                    raise ChildProcessError(f"{name} ended: {last}")
+            raise TimeoutError(f"{name} sent nothing for {patience} s")
+
         try:
-            yield process, complaints
+            yield posted
         finally:
-            # Its helpers with it.
+            # Its helpers with it, also those that stay when it goes.
             with contextlib.suppress(ProcessLookupError):
                 os.killpg(process.pid, signal.SIGTERM)
-            try:
-                process.wait(10)
-            except subprocess.TimeoutExpired:
+                with contextlib.suppress(subprocess.TimeoutExpired):
+                    process.wait(10)
                 os.killpg(process.pid, signal.SIGKILL)
-                process.wait()
+            process.wait()

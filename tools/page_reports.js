@@ -1,5 +1,5 @@
 // Runs in the page before its own scripts: sends the server each state of it, with what it says
-// then, and what the game prints.
+// then, what the game prints, and what nobody caught.
 'use strict';
 
 (() => {
@@ -16,6 +16,9 @@ for (const level of ['log', 'warn', 'error']) {
         send('console', words.join(' '));
     };
 }
+
+window.addEventListener('error', ({message}) => send('console', `Error: ${message}`));
+window.addEventListener('unhandledrejection', ({reason}) => send('console', `Error: ${reason}`));
 
 document.addEventListener('DOMContentLoaded', () => {
     const tell = () =>

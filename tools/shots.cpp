@@ -2,8 +2,9 @@
 // look at when the art has changed, and what to compare between the desktop and a browser. The same
 // random numbers, the same state, the same frames everywhere. Runs in the data folder.
 //
-// Usage: shots FOLDER [NAME_PART | --compared]
-// Writes NAME.ppm for the scenes whose names contain NAME_PART, or for those that are compared.
+// Usage: shots FOLDER [NAME_PART | --compared | --flames]
+// Writes NAME.ppm for the scenes whose names contain NAME_PART, for those that are compared, or
+// many for each of those where something burns.
 
 #include <GL/glut.h>
 

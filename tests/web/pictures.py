@@ -6,8 +6,8 @@ Usage: pictures.py chromium|firefox|webkit FOLDER_OF_SHOTS_JS DESKTOP_FOLDER PIC
 Leaves the browser's pictures and worst.png: the worst one as desktop, browser, difference.
 """
 
+import os
 import pathlib
-import queue
 import shutil
 import subprocess
 import sys
@@ -27,9 +27,9 @@ ALLOWED_THERE = 0.03  # and this part of any tile
 def draw(name, program, folder):
     """Keeps the pictures that the page sends, until it says that the program has ended."""
     with SiteServer(ROOT / "tests/web", program) as server, \
-            browser(name, f"{server.address}pictures.html"):
+            browser(name, server, "pictures.html") as posted:
         while True:
-            path, content = server.posted.get(timeout=PATIENCE)
+            path, content = posted(PATIENCE)
             if path.endswith(".ppm"):
                 (folder / path.strip("/")).write_bytes(content)
             elif (path, content) == ("/end", b"0"):
@@ -51,10 +51,12 @@ def compare(desktop, drawn):
 def main(name, program, desktop, folder):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    try:
-        draw(name, program, folder)
-    except queue.Empty:
-        sys.exit(f"{name} sent nothing for {PATIENCE} s")
+    os.environ["LC_ALL"] = "C"  # a Turkish one has no info:
+    draw(name, program, folder)
+    sizes, wanted = ({file.name: file.stat().st_size for file in pictures.iterdir()}
+                     for pictures in (folder, desktop))
+    if sizes != wanted:
+        sys.exit(f"{name} drew {sizes}, the desktop {wanted}")
 
     table = []
     for file in folder.iterdir():

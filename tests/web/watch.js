@@ -8,7 +8,8 @@
 //                      from then on frames come only by this, so many milliseconds after one
 //                      another for the game, and in truth at once: what it does is the same on any
 //                      machine. Returns what each one took, and the matrices that it gave to the
-//                      shaders; one that is not drawn does all but the draw calls.
+//                      shaders; one that is not drawn does all but the draw calls. Throws what
+//                      went wrong before or meanwhile.
 // watched.vertices()   the vertices of the next frame: the distinct ones of each draw call, added up
 (() => {
     const watched = {frames: 0, first: undefined, errors: []};
@@ -81,6 +82,9 @@
             frames.push(frame(clock + ms));
         }
         drawing = true;
+        if (watched.errors.length > 0) {
+            throw new Error(watched.errors.join('; '));
+        }
         return frames;
     };
 
