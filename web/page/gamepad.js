@@ -2,7 +2,7 @@
 'use strict';
 /* global key, tap, mouse, look */
 
-(() => {
+window.followGamepads = () => {
 
 const PUSHED = 0.5;      // of a stick's way, or a trigger's
 const DEAD_ZONE = 0.15;  // of the right stick
@@ -71,4 +71,4 @@ function poll() {
 let polling = false;
 window.addEventListener('gamepadconnected', () => polling || poll());
 
-})();
+};

@@ -165,7 +165,8 @@ function giveUp(failed) {
 // What the page itself names, and has not got.
 function missing() {
     const present = {'talvery.js': 'createTalvery' in window,
-        'pictures.js': 'unpackPicture' in window,
+        'pictures.js': 'unpackPicture' in window, 'events.js': 'tap' in window,
+        'touch.js': 'followFingers' in window, 'gamepad.js': 'followGamepads' in window,
         'page.css': getComputedStyle(canvas).position === 'fixed'};
     const reason = new WrongAnswer('it is missing, or the server forbids it');
     return Object.keys(present).filter((name) => !present[name]).map((name) => ({name, reason}));
@@ -187,7 +188,8 @@ async function start() {
         game.FS.writeFile(name, bytes, {canOwn: true});
     }
     contents.clear();
-    await nextPicture();
+    // Until the browser has shown what the page says by now.
+    await new Promise((done) => requestAnimationFrame(() => setTimeout(done)));
     game.callMain([]);
     if (!ended) {
         say('running', '');
@@ -209,11 +211,6 @@ function watchScene(game) {
         document.body.dataset.scene = scene;
     }
     ended || requestAnimationFrame(() => watchScene(game));
-}
-
-// Resolves after the browser has shown what the page says by now.
-function nextPicture() {
-    return new Promise((done) => requestAnimationFrame(() => setTimeout(done)));
 }
 
 // --- The window --------------------------------------------------------------------
@@ -294,6 +291,8 @@ function begin() {
     } else if (lacking.length > 0) {
         giveUp(lacking);
     } else {
+        window.followFingers();
+        window.followGamepads();
         loadAll();
     }
 }

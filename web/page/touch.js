@@ -2,7 +2,7 @@
 'use strict';
 /* global key, tap, mouse, look */
 
-(() => {
+window.followFingers = () => {
 
 const LOOK = 0.2;        // of a finger's way is the pointer's, which turns the view quickly
 const PINCH_MS = 120;    // from the fingers' last move until the zoom ends
@@ -118,4 +118,4 @@ show(matchMedia('(pointer: coarse)').matches);
 window.addEventListener('keydown', ({isTrusted}) => isTrusted && show(false));
 window.addEventListener('pointerdown', ({pointerType}) => pointerType === 'touch' && show(true));
 
-})();
+};
