@@ -2,7 +2,7 @@
 // or padding, as large as the page's style makes it, whatever size is asked for. The page gives it
 // the focus; everything else is done here. The canvas says two things of the program:
 // data-lines="LEAST MOST": how many the picture may have; the page shows it larger or smaller
-// data-repeats="KEYS": those that come again and again while they are held
+// data-repeats="KEYS": those that come again and again while they are held, at present
 //
 // getWasmTableEntry, GL and ExitStatus are inner names of Emscripten's, which it may change: tried
 // with its versions 3.1.6 and 3.1.69.
@@ -40,6 +40,7 @@ const LibraryGLUT = {
         const period = 1000 / 60;  // milliseconds
         const early = 4;           // so much before its time a turn may start
         const repeatTurns = 2;     // from one event of a held key to the next
+        const widest = 8192;       // pixels of a picture that every graphics card can draw
         const named = {Backspace: 8, Enter: 13, Escape: 27, Space: 32, Comma: 44, Period: 46,
             Delete: 127};
         const canvas = document.getElementById('canvas');
@@ -47,7 +48,7 @@ const LibraryGLUT = {
         const listening = new AbortController();
         const [least, most] = canvas.dataset.lines.split(' ').map(Number);
         const held = new Map();        // keys and buttons: the calls that let go of them
-        const repeating = new Map();   // the keys among them that do, and for how many turns
+        const repeating = new Map();   // the keys among them, and for how many turns
         const happened = [];           // calls that wait for the next turn
         const pointer = {x: 0, y: 0};  // in pixels of the picture
         let box;                       // of the canvas, in pixels of the display
@@ -86,11 +87,10 @@ const LibraryGLUT = {
             }
             event.preventDefault();
             // The system's own repetition, which is another one everywhere, does not count.
-            if (!held.has(id)) {
+            if (!held.has(id) && !event.repeat) {
                 held.set(id, () => tell(glut.keyboardUp, typed));
                 tell(glut.keyboard, typed);
-                canvas.dataset.repeats.includes(String.fromCharCode(typed))
-                    && repeating.set(id, {typed, turns: 0});
+                repeating.set(id, {typed, turns: 0});
             }
         });
         on(canvas, 'keyup', (event) => release(event.code || event.key));
@@ -131,7 +131,7 @@ const LibraryGLUT = {
             const width = exact ? box.inlineSize : canvas.clientWidth * ratio;
             const height = exact ? box.blockSize : canvas.clientHeight * ratio;
             canvas.height = Math.min(Math.max(Math.round(height), least), most);
-            canvas.width = Math.round(width * canvas.height / height);
+            canvas.width = Math.min(Math.round(width * canvas.height / height), widest);
             glut.reshape(canvas.width, canvas.height);
             resized = false;
             glut.redisplay = true;
@@ -142,8 +142,9 @@ const LibraryGLUT = {
             while (happened.length > 0) {
                 happened.shift()();
             }
-            repeating.forEach((key) =>
-                ++key.turns % repeatTurns === 0 && tell(glut.keyboard, key.typed));
+            repeating.forEach((key) => ++key.turns % repeatTurns === 0
+                && canvas.dataset.repeats.includes(String.fromCharCode(key.typed))
+                && tell(glut.keyboard, key.typed));
             glut.idle();
             if (glut.redisplay) {
                 glut.redisplay = false;

@@ -4,7 +4,8 @@
 /* exported tap, look */
 
 function key(type, code) {
-    document.getElementById('canvas').dispatchEvent(new KeyboardEvent(type, {key: 'Unidentified', code}));
+    document.getElementById('canvas').dispatchEvent(
+        new KeyboardEvent(type, {key: 'Unidentified', code}));
 }
 
 function tap(code) {
@@ -17,9 +18,10 @@ function mouse(type, how) {
         new MouseEvent(type, {bubbles: true, ...how}));
 }
 
-// Moves a pointer of its own by pixels of the page, from where it was left.
+// Moves a pointer of its own by pixels of the page; where it was left may be far from the mouse.
 const pointer = {clientX: innerWidth / 2, clientY: innerHeight / 2};
 function look(x, y) {
+    mouse('mousemove', pointer);
     pointer.clientX += x;
     pointer.clientY += y;
     mouse('mousemove', pointer);

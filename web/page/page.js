@@ -114,13 +114,13 @@ async function unzip(bytes) {
 
 async function load(file, cache) {
     const bytes = await fetchBytes(file, cache);
-    const content = await (file.full ? unpackPicture(bytes, file.sum) : unzip(bytes))
-        .catch(() => { throw new WrongAnswer('damaged'); });
+    const content = await (file.full ? unpackPicture(bytes, file.sum).catch(() => undefined)
+        : unzip(bytes)).catch(() => { throw new WrongAnswer('damaged'); });
     if (content) {
         contents.set(file.name, content);
     } else {
-        byId('state').textContent = 'This browser alters the pictures that a page unpacks. '
-            + 'Loading them as larger files.';
+        byId('state').textContent = 'A picture is not as it was made: some browsers alter what a '
+            + 'page unpacks. Loading it as a larger file.';
         Object.assign(file, {...file.full, full: undefined});
         await load(file, cache);
     }
@@ -198,17 +198,19 @@ async function start() {
         watchScene(game);
         // The rest is fetched, and all is kept. A browser that keeps nothing, or a page that came
         // over an open connection, goes without.
-        navigator.serviceWorker?.register('service_worker.js').catch(console.warn);
+        Promise.resolve().then(() => navigator.serviceWorker?.register('service_worker.js'))
+            .catch(console.warn);
     }
     // The motions are read while the game runs; the rest only takes memory.
     FILES.filter(({name}) => /\.(bmp|obj)$/.test(name)).forEach(({name}) => game.FS.unlink(name));
 }
 
-// Keeps what the game shows in the page's data-scene.
+// Keeps what the game shows in the page's data-scene. In a battle, w and s choose: once a press.
 function watchScene(game) {
     const scene = SCENES[game.getValue(game._status, 'i32')];
     if (document.body.dataset.scene !== scene) {
         document.body.dataset.scene = scene;
+        canvas.dataset.repeats = scene === 'battle' ? 'ad,.' : 'wsad,.';
     }
     ended || requestAnimationFrame(() => watchScene(game));
 }
@@ -229,7 +231,7 @@ byId('keys').onclick = () => {
     byId('keys').setAttribute('aria-expanded', shown);
     canvas.focus();
 };
-byId('page').addEventListener('click', () => canvas.focus());
+document.body.addEventListener('click', ({target}) => target.closest('button') || canvas.focus());
 
 byId('fullscreen').hidden = !document.fullscreenEnabled;
 async function changeScreen() {
@@ -281,7 +283,8 @@ for (const type of ['keydown', 'keyup', 'pointermove']) {
 canvas.addEventListener('webglcontextlost', () => {
     stop('The graphics card took its picture away, as it does when its driver starts anew.');
 });
-canvas.addEventListener('contextmenu', (event) => event.preventDefault());
+[canvas, byId('touch')].forEach((place) =>
+    place.addEventListener('contextmenu', (event) => event.preventDefault()));
 
 function begin() {
     const why = obstacle();

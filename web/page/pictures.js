@@ -40,8 +40,8 @@ function sumOf(bytes) {
     return b * 65536 + a;
 }
 
-// Resolves to the BMP file of a picture, or to nothing where its pixels have not this sum: some browsers falsify
-// what a page reads from a canvas, so that nobody is told by how they draw.
+// Resolves to the BMP file of a picture, or to nothing where its pixels have not this sum: some
+// browsers falsify what a page reads from a canvas, so that nobody is told by how they draw.
 // One picture at a time: unpacked, they take a lot of memory.
 let lastPicture = Promise.resolve();
 function unpackPicture(webp, sum) {
