@@ -212,12 +212,15 @@ class PageTest(unittest.TestCase):
         mouse.reset_actions()
 
     def shows(self, width, height):
-        """Waits for a picture of this size."""
+        """Waits for a picture of this size, and one that has it whole."""
         self.wait(f"{width}x{height}", """
-            const gl = document.getElementById('canvas').getContext('webgl2');
-            const [, , right, top] = gl.getParameter(gl.VIEWPORT);
-            return gl.drawingBufferWidth === arguments[0] && gl.drawingBufferHeight === arguments[1]
-                && right === arguments[0] && top === arguments[1]""", width, height)
+            const [width, height] = arguments;
+            return watched.step(1, false).then(() => {
+                const gl = document.getElementById('canvas').getContext('webgl2');
+                const [, , right, top] = gl.getParameter(gl.VIEWPORT);
+                return gl.drawingBufferWidth === width && gl.drawingBufferHeight === height
+                    && right === width && top === height;
+            })""", width, height)
 
     def white_rows(self, left, top, right, bottom):
         """In which rows of this part of the picture, told in parts of 1, there is pure white."""
@@ -254,8 +257,6 @@ class PageTest(unittest.TestCase):
                 (1400, 1000, 1.25): (1750, 1250)}.items():
             with self.subTest(display):
                 self.emulate(*display)
-                time.sleep(0.3)  # until the browser tells the page of it
-                self.step(3)
                 self.shows(*picture)
                 rows = self.white_rows(0.73, 0.81, 0.91, 0.95)
                 lines = sum(row - 1 not in rows for row in rows)
@@ -397,6 +398,20 @@ class PageTest(unittest.TestCase):
         hold("back to the title")
         hold("end the game")
         self.says("The game has ended", f"{name}-ended")
+
+    @chromium_only("WebKit's driver has one display")
+    def test_thumbs_in_small_and_square_windows(self):
+        self.open()
+        self.step(1)
+        for size in ((320, 320), (390, 400), (390, 480), (568, 320), (800, 800), (852, 852)):
+            self.emulate(*size, 2, mobile=True)
+            for scene in ("title", "town", "battle"):
+                self.call("""
+                    document.body.classList.add('touch');
+                    document.body.dataset.scene = arguments[0]""", scene)
+                with self.subTest(f"{size} {scene}"):
+                    self.check_buttons()
+            self.picture(f"thumbs-{size[0]}x{size[1]}")
 
     def touch(self, kind, *places):
         cdp(self.browser, "Input.dispatchTouchEvent", type=f"touch{kind}",
