@@ -614,6 +614,7 @@ class PageTest(unittest.TestCase):
     def test_browser_that_alters_what_a_canvas_holds_or_keeps_it(self):
         for harm in ("image.data[0] ^= 1", "throw new Error('not for you')"):
             self.visit(f"""
+                {NO_WORKER};
                 const {{getImageData}} = CanvasRenderingContext2D.prototype;
                 CanvasRenderingContext2D.prototype.getImageData = function(...words) {{
                     const image = getImageData.apply(this, words);
