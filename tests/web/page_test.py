@@ -85,8 +85,7 @@ class PageTest(unittest.TestCase):
 
     def step(self, count, ms=17, drawn=False):
         """So many frames: what each took."""
-        return self.call("return watched.step(arguments[0], arguments[2], arguments[1])",
-                         count, ms, drawn)
+        return self.call("return watched.step(...arguments)", count, drawn, ms, True)
 
     def click(self, name):
         self.browser.find_element(By.ID, name).click()
@@ -146,10 +145,9 @@ class PageTest(unittest.TestCase):
                       for path in self.server.requests if part in path)
 
     def view(self):
-        """The rows and columns of the camera's matrix in the next frame, which follows that of the
-        panels."""
+        """The camera's matrix in the next frame, which follows that of the panels."""
         matrices = self.step(1)[0]["matrices"]["projection"]
-        return [float(number) for number in re.findall(r"-?\d[\d.e-]*", matrices)[16:30]]
+        return [float(number) for number in matrices.split(",")[16:32]]
 
     def changes(self, name):
         """Whether these matrices of the shaders change from one frame to the next."""

@@ -4,12 +4,12 @@
 // watched.frames       how many it has drawn
 // watched.first        when the first was, in milliseconds since navigation
 // watched.errors       what went wrong, and what the page or the game complained of
-// watched.step(count, drawn, ms)
+// watched.step(count, drawn, ms, matrices)
 //                      from then on frames come only by this, so many milliseconds after one
 //                      another for the game, and in truth at once: what it does is the same on any
-//                      machine. Returns what each one took, and the matrices that it gave to the
-//                      shaders; one that is not drawn does all but the draw calls. Throws what
-//                      went wrong before or meanwhile.
+//                      machine. Returns what each one took and, if asked for, the matrices that it
+//                      gave to the shaders; one that is not drawn does all but the draw calls.
+//                      Throws what went wrong before or meanwhile.
 // watched.vertices()   the vertices of the next frame: the distinct ones of each draw call, added up
 (() => {
     const watched = {frames: 0, first: undefined, errors: []};
@@ -26,6 +26,7 @@
         const start = performance.now();
         kept.splice(0).forEach((callback) => callback(time));
         now.ms = performance.now() - start;
+        Object.keys(now.matrices).forEach((name) => now.matrices[name] = now.matrices[name].join());
         if (now.calls > 0) {
             watched.frames++;
             watched.first ??= performance.now();
@@ -67,11 +68,16 @@
         names.set(place, name);
         return place;
     };
-    wrap('uniformMatrix4fv', (place, turned, values, first = 0, count = 16) =>
-        now.matrices[names.get(place)] += values.slice(first, first + count));
+    // This alone would take longer than all that a frame does, so it comes when it is asked for.
+    let watchMatrices = () => {
+        watchMatrices = () => {};
+        wrap('uniformMatrix4fv', (place, turned, values, first = 0, count = 16) =>
+            (now.matrices[names.get(place)] ??= []).push(values.slice(first, first + count)));
+    };
 
-    watched.step = async (count, drawn, ms = 17) => {
+    watched.step = async (count, drawn, ms = 17, matrices = false) => {
         held = true;
+        matrices && watchMatrices();
         // Where it waits for nothing, it has ended.
         for (let i = 0; kept.length === 0 && i < 100; ++i) {
             await new Promise((done) => setTimeout(done));
