@@ -83,9 +83,9 @@ class PageTest(unittest.TestCase):
         """What this script returns in the page, or what that promises."""
         return self.browser.execute_script(script, *words)
 
-    def step(self, count, ms=17, drawn=False):
+    def step(self, count, ms=17, drawn=False, matrices=False):
         """So many frames: what each took."""
-        return self.call("return watched.step(...arguments)", count, drawn, ms, True)
+        return self.call("return watched.step(...arguments)", count, drawn, ms, matrices)
 
     def click(self, name):
         self.browser.find_element(By.ID, name).click()
@@ -146,12 +146,12 @@ class PageTest(unittest.TestCase):
 
     def view(self):
         """The camera's matrix in the next frame, which follows that of the panels."""
-        matrices = self.step(1)[0]["matrices"]["projection"]
+        matrices = self.step(1, matrices=True)[0]["matrices"]["projection"]
         return [float(number) for number in matrices.split(",")[16:32]]
 
     def changes(self, name):
         """Whether these matrices of the shaders change from one frame to the next."""
-        one, other = (frame["matrices"].get(name) for frame in self.step(2))
+        one, other = (frame["matrices"].get(name) for frame in self.step(2, matrices=True))
         return one != other
 
     # --- A visit -----------------------------------------------------------------------
@@ -316,7 +316,7 @@ class PageTest(unittest.TestCase):
         views = []
         for _ in range(10):
             self.key("keydown", key="s", code="KeyS", repeat=True)
-            views.append(self.step(1)[0]["matrices"]["projection"])
+            views.append(self.step(1, matrices=True)[0]["matrices"]["projection"])
         moved = [one != other for one, other in zip(views, views[1:])]
         self.assertEqual(moved, [False, True] * 4 + [False])
 
@@ -431,7 +431,7 @@ class PageTest(unittest.TestCase):
             finger('pointerdown', 1, 150);
             finger('pointerdown', 2, 200);
             finger('pointermove', 2, 220);
-            return watched.step(2, false)""")
+            return watched.step(2, false, 17, true)""")
         self.assertNotEqual(one["matrices"], other["matrices"], "the view zooms")
         time.sleep(0.3)
         self.step(1)

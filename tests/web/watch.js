@@ -69,15 +69,17 @@
         return place;
     };
     // This alone would take longer than all that a frame does, so it comes when it is asked for.
-    let watchMatrices = () => {
-        watchMatrices = () => {};
-        wrap('uniformMatrix4fv', (place, turned, values, first = 0, count = 16) =>
-            (now.matrices[names.get(place)] ??= []).push(values.slice(first, first + count)));
+    let recording = false;
+    let recordMatrices = () => {
+        recordMatrices = () => {};
+        wrap('uniformMatrix4fv', (place, turned, values, first = 0, count = 16) => !recording
+            || (now.matrices[names.get(place)] ??= []).push(values.slice(first, first + count)));
     };
 
     watched.step = async (count, drawn, ms = 17, matrices = false) => {
         held = true;
-        matrices && watchMatrices();
+        recording = matrices;
+        recording && recordMatrices();
         // Where it waits for nothing, it has ended.
         for (let i = 0; kept.length === 0 && i < 100; ++i) {
             await new Promise((done) => setTimeout(done));
