@@ -40,7 +40,7 @@ const LibraryGLUT = {
         const period = 1000 / 60;  // milliseconds
         const early = 4;           // so much before its time a turn may start
         const repeatTurns = 2;     // from one event of a held key to the next
-        const widest = 8192;       // pixels of a picture that every graphics card can draw
+        const widest = 8192;       // pixels: of wider pictures, graphics cards may draw a part alone
         const named = {Backspace: 8, Enter: 13, Escape: 27, Space: 32, Comma: 44, Period: 46,
             Delete: 127};
         const canvas = document.getElementById('canvas');
